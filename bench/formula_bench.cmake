@@ -1,0 +1,5 @@
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(muparser REQUIRED IMPORTED_TARGET muparser)
+pkg_check_modules(muparserx REQUIRED IMPORTED_TARGET muparserx)
+pkg_check_modules(lua REQUIRED IMPORTED_TARGET lua5.4)
+set(peers PkgConfig::muparser PkgConfig::muparserx PkgConfig::lua)

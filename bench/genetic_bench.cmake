@@ -1,0 +1,2 @@
+find_library(ga_library ga REQUIRED)
+set(peers ${ga_library})

@@ -1,0 +1,5 @@
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(glib REQUIRED IMPORTED_TARGET glib-2.0)
+pkg_check_modules(simpleini REQUIRED IMPORTED_TARGET simpleini)
+find_package(Qt5Core REQUIRED)
+set(peers PkgConfig::glib PkgConfig::simpleini Qt5::Core)

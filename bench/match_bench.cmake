@@ -1,0 +1,2 @@
+find_package(SQLite3 REQUIRED)
+set(peers SQLite::SQLite3)

@@ -1,0 +1,5 @@
+find_package(Qt5Core REQUIRED)
+find_package(TBB REQUIRED)
+find_package(Boost REQUIRED)
+find_package(Threads REQUIRED)
+set(peers Qt5::Core TBB::tbb Boost::boost Threads::Threads)

@@ -1,0 +1,15 @@
+# GoogleTest: the installed package natively, Debian's sources when cross-compiling.
+if(CMAKE_CROSSCOMPILING)
+  set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
+  set(BUILD_SHARED_LIBS_saved ${BUILD_SHARED_LIBS})
+  set(BUILD_SHARED_LIBS OFF)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  set(BUILD_SHARED_LIBS ${BUILD_SHARED_LIBS_saved})
+  # The project's warnings are for the project's own code.
+  foreach(target gtest gtest_main gmock gmock_main)
+    target_compile_options(${target} PRIVATE -w)
+  endforeach()
+else()
+  find_package(GTest REQUIRED)
+endif()

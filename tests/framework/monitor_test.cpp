@@ -1,0 +1,81 @@
+#include "zentavo/framework/monitor.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <vector>
+
+#include "zentavo/framework/exception.h"
+
+namespace zentavo {
+namespace {
+
+bool OtherThreadEnters(TMonitor& monitor, std::int32_t timeout_ms) {
+  return std::async(std::launch::async,
+                    [&] {
+                      const bool entered = monitor.Enter(timeout_ms);
+                      if (entered) monitor.Exit();
+                      return entered;
+                    })
+      .get();
+}
+
+TEST(TMonitor, OwnerEntersAgainAndLeavesAsOften) {
+  TMonitor monitor;
+  EXPECT_TRUE(monitor.Enter());
+  EXPECT_TRUE(monitor.Enter(0));
+  EXPECT_FALSE(OtherThreadEnters(monitor, 0));
+  monitor.Exit();
+  EXPECT_FALSE(OtherThreadEnters(monitor, 1));
+  monitor.Exit();
+  EXPECT_TRUE(OtherThreadEnters(monitor, 0));
+}
+
+TEST(TMonitor, OnlyTheOwnerLeaves) {
+  TMonitor monitor;
+  EXPECT_THROW(monitor.Exit(), Exception);
+  const MonitorLock lock(monitor);
+  std::async(std::launch::async, [&] { EXPECT_THROW(monitor.Exit(), Exception); }).get();
+}
+
+TEST(TMonitor, WaitersGetTheLockWhenItIsLeft) {
+  for (const std::int32_t timeout_ms : {TMonitor::kForever, 600'000}) {
+    TMonitor monitor;
+    monitor.Enter();
+    std::promise<void> started;
+    std::future<bool> waiter = std::async(std::launch::async, [&] {
+      started.set_value();
+      const bool entered = monitor.Enter(timeout_ms);
+      if (entered) monitor.Exit();
+      return entered;
+    });
+    started.get_future().wait();
+    monitor.Exit();
+    EXPECT_TRUE(waiter.get());
+  }
+}
+
+TEST(TMonitor, ExcludesOtherThreads) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 2000;
+  TMonitor monitor;
+  int count = 0;
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&] {
+        for (int round = 0; round < kRounds; ++round) {
+          while (!monitor.Enter(round % 3)) {
+          }
+          const MonitorLock again(monitor);
+          ++count;
+          monitor.Exit();
+        }
+      });
+    }
+  }
+  EXPECT_EQ(count, kThreads * kRounds);
+}
+
+}  // namespace
+}  // namespace zentavo

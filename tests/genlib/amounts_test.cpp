@@ -1,0 +1,158 @@
+#include "zentavo/genlib/amounts.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "zentavo/foundation/errors.h"
+#include "zentavo/framework/number_text.h"
+
+namespace zentavo {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(ZentavoDoubleEqual, GoesByMagnitude) {
+  constexpr struct {
+    double a;
+    double difference;
+    bool equal;
+  } kRows[] = {
+      {1000000000.0, 0.00005, true},
+      {1000000000.0, 0.00011, false},
+      {100000000.0, 0.000009, true},
+      {100000000.0, 0.000011, false},
+      {1e7, 0.0000009, true},
+      {1e7, 0.0000011, false},
+      {1e6, 0.00000009, true},
+      {1e6, 0.00000011, false},
+      {1e5, 0.000000009, true},
+      {1e5, 0.000000011, false},
+      {1.0, 0.0000000005, true},
+      {1.0, 0.000000002, false},
+      {99999.0, 0.000000002, false},
+      {0, 1e-10, true},
+      {0, 1e-9, false},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_EQ(ZentavoDoubleEqual(row.a, row.a + row.difference), row.equal) << row.a;
+    EXPECT_EQ(ZentavoDoubleEqual(-row.a - row.difference, -row.a), row.equal) << row.a;
+  }
+}
+
+TEST(ZentavoDoubleEqual, NaNEqualsEverything) {
+  EXPECT_TRUE(ZentavoDoubleEqual(kNaN, 1));
+  EXPECT_TRUE(ZentavoDoubleEqual(kInfinity, kInfinity));
+  EXPECT_FALSE(ZentavoDoubleEqual(kInfinity, 1e308));
+}
+
+TEST(ZentavoDoubleRnd, RoundsHalvesAwayFromZero) {
+  constexpr struct {
+    double value;
+    int decimals;
+    double expected;
+  } kRows[] = {
+      {2.5, 0, 3},
+      {-2.5, 0, -3},
+      {0.5, 0, 1},
+      {1.5, 0, 2},
+      {1.005, 2, 1.01},
+      {2.675, 2, 2.68},
+      {-2.675, 2, -2.68},
+      {1.00499, 2, 1},
+      {2.4999995, 0, 3},
+      {2.499998, 0, 2},
+      {1250, -2, 1300},
+      {-1249, -2, -1200},
+      {49.9, -2, 0},
+      {1e308, 2, 1e308},
+      {1e300, 400, 1e300},
+      {5, -400, 0},
+      {-0.001, 2, 0},
+      {1e22, 0, 1e22},
+      {5, -32768, 0},
+      {0, 32767, 0},
+      {kInfinity, 2, kInfinity},
+      {-kInfinity, -400, -kInfinity},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_EQ(ZentavoDoubleRnd(row.value, row.decimals), row.expected) << row.value;
+  }
+  EXPECT_TRUE(std::isnan(ZentavoDoubleRnd(kNaN, 2)));
+}
+
+TEST(ZentavoDoubleRnd, DecidesLikePrintedAmounts) {
+  std::mt19937_64 random(3);  // NOLINT(bugprone-random-generator-seed): the same cases each time
+  for (int run = 0; run < 20000; ++run) {
+    const int decimals = static_cast<int>(random() % 5);
+    const double factor = std::pow(10.0, decimals);
+    const double halves = static_cast<double>(random() >> (random() % 60 + 4)) / 2;
+    const double value = run % 2 == 0 ? halves / factor : halves * 1e-7;
+    const String text = FloatToFixed(value * factor + 0.000001, 0, Grouping::kNone, u'.', u',');
+    EXPECT_EQ(ZentavoDoubleRnd(value, decimals), StrToFloat(text, TFormatSettings()) / factor)
+        << value << " to " << decimals;
+  }
+}
+
+TEST(ZentavoDoubleRnd, RoundsUpAndDownOnMagnitudes) {
+  EXPECT_EQ(ZentavoDoubleRnd(2.001, 2, rndUp), 2.01);
+  EXPECT_EQ(ZentavoDoubleRnd(-2.001, 2, rndUp), -2.01);
+  EXPECT_EQ(ZentavoDoubleRnd(-2.009, 2, rndDown), -2);
+  EXPECT_EQ(ZentavoDoubleRnd(2.675, 2, 7), 2.68);
+  EXPECT_EQ(ZentavoDoubleRnd(1.1, 2, rndUp), 1.11);
+  EXPECT_EQ(ZentavoDoubleRnd(2147483647, 0, rndUp), 2147483647);
+}
+
+template <typename Call>
+String ErrorOf(Call call) {
+  try {
+    call();
+  } catch (const EZentavoError& error) {
+    return error.Message();
+  }
+  return u"no error";
+}
+
+TEST(ZentavoDoubleRnd, RefusesToCutBeyond32Bits) {
+  for (const double value : {2147483647.5, -2147483648.0, kInfinity, kNaN}) {
+    EXPECT_EQ(ErrorOf([&] { ZentavoDoubleRnd(value, 0, rndUp); }),
+              FloatToStr(value) + u" is too large to be rounded up or down to 0 decimals");
+  }
+}
+
+TEST(xARoundProc, RoundsToSteps) {
+  constexpr struct {
+    double value;
+    double step;
+    double expected;
+  } kRows[] = {
+      {12.34, 0.05, 12.35},
+      {12.34, 0.5, 12.5},
+      {12.25, 0.5, 12.5},
+      {-12.25, 0.5, -12.5},
+      {2.5, 1, 3},
+      {-2.5, 1, -3},
+      {17, 5, 15},
+      {12.34, -0.5, 12.5},
+      {1e20, 0.01, 1e20},
+      {-1e300, 0.1, -1e300},
+      {1e308, 1e-308, 1e308},
+      {kInfinity, 1, kInfinity},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_DOUBLE_EQ(xARoundProc(row.value, row.step), row.expected) << row.value;
+  }
+  EXPECT_TRUE(std::isnan(xARoundProc(kNaN, 1)));
+}
+
+TEST(xARoundProc, RefusesWhatIsNoStep) {
+  EXPECT_EQ(ErrorOf([] { xARoundProc(1, 0); }), u"'0' is not a step to round to");
+  EXPECT_EQ(ErrorOf([] { xARoundProc(1, kNaN); }), u"'NAN' is not a step to round to");
+  EXPECT_EQ(ErrorOf([] { xARoundProc(1, kInfinity); }), u"'INF' is not a step to round to");
+}
+
+}  // namespace
+}  // namespace zentavo

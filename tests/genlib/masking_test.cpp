@@ -1,0 +1,63 @@
+#include "zentavo/genlib/masking.h"
+
+#include <gtest/gtest.h>
+
+#include "zentavo/foundation/errors.h"
+
+namespace zentavo {
+namespace {
+
+TEST(EncodeStr, ComesBackFromEveryStart) {
+  AnsiString text;
+  for (int length = 0; length < 70; ++length) {
+    for (int start = 1; start <= kMaskPositions; ++start) {
+      EXPECT_EQ(DecodeStr(EncodeStr(text, start)), text) << "start " << start;
+    }
+    text += static_cast<char>(length * 37);
+  }
+}
+
+TEST(EncodeStr, WritesUnitsOfSixBits) {
+  // 'a' ^ 'Q' is 0x30: 48 and 0.
+  EXPECT_EQ(EncodeStr("a", 1), "#Ap@");
+  EXPECT_EQ(EncodeStr("abc", 32).size(), 6U);
+  EXPECT_EQ(EncodeStr("", 5), "");
+  const AnsiString masked = EncodeStr("Ένα κείμενο");
+  EXPECT_EQ(DecodeStr(masked), "Ένα κείμενο");
+  for (const char character : masked) EXPECT_GE(character, 0x23);
+}
+
+TEST(EncodeStr, StartsAnywhere) {
+  bool differs = false;
+  const AnsiString first = EncodeStr("abc");
+  for (int run = 0; run < 200; ++run) differs |= EncodeStr("abc") != first;
+  EXPECT_TRUE(differs);
+}
+
+TEST(DecodeStr, LeavesOtherTextsAlone) {
+  EXPECT_EQ(DecodeStr("abc"), "abc");
+  EXPECT_EQ(DecodeStr(""), "");
+  EXPECT_EQ(DecodeStr("#Ap"), "");
+}
+
+TEST(DecodeStr, RefusesStartsOutsideTheMask) {
+  for (const char* text : {"#", "#@", "#a", "#\xFF"}) {
+    EXPECT_THROW(DecodeStr(text), EZentavoError) << text;
+  }
+  try {
+    DecodeStr("#aAA");
+    ADD_FAILURE();
+  } catch (const EZentavoError& error) {
+    EXPECT_EQ(error.Message(), u"Mask position 33 is not in 1..32");
+  }
+}
+
+TEST(HashForString, SumsUnitsFromTheLast) {
+  EXPECT_EQ(HashForString(u""), 0);
+  EXPECT_EQ(HashForString(u"a"), 97);
+  EXPECT_EQ(HashForString(u"ab"), 98 * 37 + 97);
+  EXPECT_EQ(HashForString(u"zzzzzzz"), -408963586);
+}
+
+}  // namespace
+}  // namespace zentavo

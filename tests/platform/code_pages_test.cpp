@@ -1,0 +1,116 @@
+#include "zentavo/platform/code_pages.h"
+
+#include <gtest/gtest.h>
+
+namespace zentavo::platform {
+namespace {
+
+struct Row {
+  std::uint32_t code_page;
+  std::u16string_view text;
+  std::string_view bytes;
+};
+
+TEST(CodePages, ConvertBothWays) {
+  constexpr Row kRows[] = {
+      {1253, u"Αθήνα €", "\xC1\xE8\xDE\xED\xE1 \x80"},
+      {1252, u"Ünï", "\xDCn\xEF"},
+      {1251, u"Жд", "\xC6\xE4"},
+      {1250, u"Łż", "\xA3\xBF"},
+      {737, u"Αω", "\x80\xE0"},
+      {869, u"Αω", "\xA4\xFA"},
+      {437, u"éß", "\x82\xE1"},
+      {850, u"é×", "\x82\x9E"},
+      {866, u"Я", "\x9F"},
+      {28597, u"Ωώ", "\xD9\xFE"},
+      {20866, u"Я", "\xF1"},
+      {932, u"a日", "a\x93\xFA"},
+      {936, u"中", "\xD6\xD0"},
+      {949, u"한", "\xC7\xD1"},
+      {950, u"中", "\xA4\xA4"},
+      {65000, u"aΩ", "a+A6k-"},
+      {65001, u"aΩ€\U0001F600", "a\xCE\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+      {1253, u"", ""},
+      {65001, u"", ""},
+  };
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.code_page);
+    EXPECT_TRUE(CodePageKnown(row.code_page));
+    EXPECT_EQ(EncodeCodePage(row.text, row.code_page), row.bytes);
+    EXPECT_EQ(DecodeCodePage(row.bytes, row.code_page), row.text);
+  }
+}
+
+TEST(CodePages, ReplaceWhatHasNoCounterpart) {
+  constexpr Row kRows[] = {
+      {1253, u"a日Ω", "a?\xD9"},
+      {1253, u"éĀ", "??"},            // no best fit
+      {1253, u"\u200D\u2028", "??"},  // nothing is dropped
+      {1253, u"\U0001F600.", "??."},  // one for each unit
+      {1253,
+       u"a\xD800"
+       u"b",
+       "a?b"},
+      {932, u"日ß日", "\x93\xFA?\x93\xFA"},
+      {65001, u"a\xD800", "a\xEF\xBF\xBD"},
+      {65001,
+       u"\xDC00"
+       u"b",
+       "\xEF\xBF\xBD"
+       "b"},
+  };
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.code_page);
+    EXPECT_EQ(EncodeCodePage(row.text, row.code_page), row.bytes);
+  }
+}
+
+TEST(CodePages, ReplaceInvalidBytes) {
+  constexpr Row kRows[] = {
+      {1253, u"Α\uFFFDΒ", "\xC1\xD2\xC2"},
+      {932, u"a\uFFFD", "a\x81"},  // a character cut in two
+      {65001, u"a\uFFFDb",
+       "a\xFF"
+       "b"},
+      {65001, u"\uFFFD", "\xE2\x82"},
+  };
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.code_page);
+    EXPECT_EQ(DecodeCodePage(row.bytes, row.code_page), row.text);
+  }
+  // What was left unfinished does not reach the next text.
+  EXPECT_EQ(DecodeCodePage("\x93\xFA", 932), u"日");
+}
+
+TEST(CodePages, EveryByteThatDecodesComesBack) {
+  for (const std::uint32_t page : {437, 737, 850, 866, 1250, 1251, 1252, 1253, 1254, 28597}) {
+    for (int value = 0; value < 256; ++value) {
+      const std::string byte(1, static_cast<char>(value));
+      const std::u16string text = DecodeCodePage(byte, page).value();
+      if (text != u"\uFFFD") {
+        EXPECT_EQ(EncodeCodePage(text, page), byte) << page << ' ' << value;
+      }
+    }
+  }
+}
+
+TEST(CodePages, LongTextsGrow) {
+  std::u16string text;
+  for (int i = 0; i < 50'000; ++i) text += u"€日a";
+  const std::string bytes = EncodeCodePage(text, kCodePageUtf8).value();
+  EXPECT_EQ(bytes.size(), 350'000U);
+  EXPECT_EQ(DecodeCodePage(bytes, kCodePageUtf8), text);
+}
+
+TEST(CodePages, UnknownNumbersGiveNothing) {
+  for (const std::uint32_t page : {0U, 1U, 3U, 1200U, 1201U, 12345U, 4'000'000'000U}) {
+    SCOPED_TRACE(page);
+    EXPECT_FALSE(CodePageKnown(page));
+    EXPECT_EQ(EncodeCodePage(u"a", page), std::nullopt);
+    EXPECT_EQ(DecodeCodePage("a", page), std::nullopt);
+  }
+  EXPECT_TRUE(CodePageKnown(DefaultCodePage()));
+}
+
+}  // namespace
+}  // namespace zentavo::platform

@@ -1,0 +1,89 @@
+#include "zentavo/platform/timer_queue.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "support/latch.h"
+
+namespace zentavo::platform {
+namespace {
+
+using testing::Latch;
+
+TEST(TimerQueue, CloseWaitsForARunningCallbackAndStopsTheOthers) {
+  auto queue = std::make_unique<TimerQueue>();
+  Latch entered(1);
+  Latch closing(1);
+  std::atomic<bool> left{false};
+  std::atomic<int> others{0};
+  const TimerPtr timer = queue->Start(0, 0, [&] {
+    entered.Arrive();
+    closing.Wait();
+    for (int i = 0; i < 50; ++i) std::this_thread::yield();
+    left = true;
+  });
+  const TimerPtr far = queue->Start(0xFFFFFFFE, 1, [&] { ++others; });
+  ASSERT_NE(far, nullptr);
+  entered.Wait();
+  closing.Arrive();
+  queue->Close();
+  EXPECT_TRUE(left);
+  EXPECT_FALSE(queue->Usable());
+  EXPECT_EQ(queue->Start(0, 0, [&] { ++others; }), nullptr);
+  queue.reset();
+  TimerQueue::Stop(timer, TimerStop::kWait);
+  TimerQueue::Stop(far, TimerStop::kDontWait);
+  TimerQueue::Stop(nullptr, TimerStop::kWait);
+  EXPECT_EQ(others, 0);
+}
+
+TEST(TimerQueue, CallbackMayCloseItsQueue) {
+  auto queue = std::make_unique<TimerQueue>();
+  Latch closed(1);
+  const TimerPtr timer = queue->Start(0, 0, [&] {
+    queue->Close();
+    closed.Arrive();
+  });
+  closed.Wait();
+  EXPECT_FALSE(queue->Usable());
+}
+
+TEST(TimerQueue, CallbackMayStopItselfWithoutWaiting) {
+  for (int round = 0; round < 50; ++round) {
+    Latch stopped(2);
+    TimerPtr timer;
+    Latch started(1);
+    // What the callback holds lives as long as it may run.
+    const auto held = std::make_shared<int>(round);
+    timer = TimerQueue::Default().Start(0, 0, [&, held] {
+      started.Wait();
+      TimerQueue::Stop(timer, TimerStop::kDontWait);
+      EXPECT_EQ(*held, round);
+      stopped.Arrive();
+    });
+    started.Arrive();
+    stopped.ArriveAndWait();
+  }
+}
+
+// While its first callback is held, the ticks of a timer with a period collect; on Windows they
+// overlap.
+TEST(TimerQueue, TicksThatComeDueMeanwhileAreNotLost) {
+  constexpr int kTicks = 30;
+  TimerQueue queue;
+  Latch release(1);
+  testing::Counter ticks;
+  const TimerPtr held = queue.Start(0, 1, [&] {
+    ticks.Count();
+    if (ticks.Value() == 1) release.Wait();
+  });
+  const TimerPtr later = queue.Start(kTicks, 0, [&] { release.Arrive(); });
+  ticks.WaitFor(kTicks);
+  TimerQueue::Stop(held, TimerStop::kWait);
+}
+
+}  // namespace
+}  // namespace zentavo::platform

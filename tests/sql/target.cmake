@@ -1,0 +1,1 @@
+target_link_libraries(${folder}_tests PRIVATE zentavo::sql)

@@ -1,0 +1,54 @@
+// Waiting for other threads. The standard library's own latches and waits on atomics lose wake-ups
+// on Windows with g++ 12.
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+namespace zentavo::testing {
+
+// Counts up. Its waiters may destroy it while another thread is still leaving Count.
+class Counter {
+ public:
+  void Count() {
+    const std::shared_ptr<State> state = state_;
+    const std::lock_guard lock(state->mutex);
+    ++state->count;
+    state->changed.notify_all();
+  }
+  void WaitFor(int count) {
+    std::unique_lock lock(state_->mutex);
+    state_->changed.wait(lock, [&] { return state_->count >= count; });
+  }
+  int Value() {
+    const std::lock_guard lock(state_->mutex);
+    return state_->count;
+  }
+
+ private:
+  struct State {
+    std::mutex mutex;
+    std::condition_variable changed;
+    int count = 0;
+  };
+  const std::shared_ptr<State> state_ = std::make_shared<State>();
+};
+
+// Opens after so many arrivals and stays open.
+class Latch {
+ public:
+  explicit Latch(int arrivals) : arrivals_(arrivals) {}
+  void Arrive() { counter_.Count(); }
+  void Wait() { counter_.WaitFor(arrivals_); }
+  void ArriveAndWait() {
+    Arrive();
+    Wait();
+  }
+
+ private:
+  Counter counter_;
+  const int arrivals_;
+};
+
+}  // namespace zentavo::testing

@@ -1,0 +1,405 @@
+#include "zentavo/threads_memory/thread_pool.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <iterator>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "support/latch.h"
+
+#include "zentavo/framework/exception.h"
+#include "zentavo/platform/clock.h"
+#include "zentavo/platform/thread_pool.h"
+#include "zentavo/platform/tick_source.h"
+
+namespace zentavo {
+namespace {
+
+using testing::Latch;
+
+class Item : public TXWorkItem {
+ public:
+  explicit Item(
+      std::function<void()> work, std::function<void()> destroyed = [] {})
+      : work_(std::move(work)), destroyed_(std::move(destroyed)) {}
+  ~Item() override { destroyed_(); }
+  void Execute() override { work_(); }
+
+ private:
+  std::function<void()> work_;
+  std::function<void()> destroyed_;
+};
+
+std::unique_ptr<TXWorkItem> Does(std::function<void()> work) {
+  return std::make_unique<Item>(std::move(work));
+}
+
+// Takes the place of the process-wide pool: keeps what is submitted until the test runs it.
+class HeldWork {
+ public:
+  HeldWork() { platform::SetWorkSubmitter(Submit); }
+  HeldWork(const HeldWork&) = delete;
+  HeldWork& operator=(const HeldWork&) = delete;
+  ~HeldWork() {
+    platform::SetWorkSubmitter(nullptr);
+    jobs.clear();
+  }
+
+  std::size_t Count() const { return jobs.size(); }
+  void RunFirst() {
+    const auto [function, context] = jobs.front();
+    jobs.erase(jobs.begin());
+    function(context);
+  }
+  void RunAll() {
+    while (!jobs.empty()) RunFirst();
+  }
+
+ private:
+  static bool Submit(platform::WorkFunction function, void* context) {
+    jobs.emplace_back(function, context);
+    return true;
+  }
+
+  static inline std::vector<std::pair<platform::WorkFunction, void*>> jobs;
+};
+
+// TickCount stands still at what the test says.
+class HeldClock {
+ public:
+  explicit HeldClock(std::uint32_t ticks) {
+    now = ticks;
+    platform::SetTickSource([] { return now.load(); });
+  }
+  HeldClock(const HeldClock&) = delete;
+  HeldClock& operator=(const HeldClock&) = delete;
+  ~HeldClock() { platform::SetTickSource(nullptr); }
+
+  static inline std::atomic<std::uint32_t> now;
+};
+
+void WaitUntilIdle(const TXThreadPool& pool) {
+  while (pool.CurThreads() != 0 || pool.PendingCount() != 0) std::this_thread::yield();
+}
+
+// Far enough that the system's timers do not come in between; the tests call CheckDelay.
+constexpr std::int32_t kLater = 1'000'000;
+
+TEST(TXThreadPool, CapOfTwoStartsTwoOfFiveAndOneWorkerDrainsTheQueue) {
+  HeldWork work;
+  TXThreadPool pool(2);
+  std::string order;
+  std::vector<std::int32_t> running;
+  for (const char name : {'a', 'b', 'c', 'd', 'e'}) {
+    pool.Run(Does([&, name] {
+      order += name;
+      running.push_back(pool.CurThreads());
+    }));
+  }
+  EXPECT_EQ(work.Count(), 2U);
+  EXPECT_EQ(pool.CurThreads(), 2);
+  EXPECT_EQ(pool.MaxThreads(), 2);
+  EXPECT_EQ(pool.PendingCount(), 3);
+  work.RunFirst();
+  EXPECT_EQ(order, "acde");
+  EXPECT_EQ(pool.CurThreads(), 1);
+  EXPECT_EQ(pool.PendingCount(), 0);
+  work.RunFirst();
+  EXPECT_EQ(order, "acdeb");
+  EXPECT_EQ(running, (std::vector<std::int32_t>{2, 2, 2, 2, 1}));
+  EXPECT_EQ(pool.CurThreads(), 0);
+}
+
+TEST(TXThreadPool, ItemThatRaisesLetsTheNextOneRun) {
+  HeldWork work;
+  TXThreadPool pool(1);
+  int destroyed = 0;
+  bool ran = false;
+  Item kept([] { throw std::runtime_error("ignored"); });
+  pool.Run(kept);
+  pool.Run(std::make_unique<Item>([] { throw 1; }, [&] { ++destroyed; }));
+  pool.Run(Does([&] { ran = true; }));
+  work.RunAll();
+  EXPECT_FALSE(kept.CompletedOK);
+  EXPECT_EQ(destroyed, 1);
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(pool.CurThreads(), 0);
+}
+
+TEST(TXThreadPool, ItemIsDestroyedAfterItsWorkerTookTheNextUnlessItIsKept) {
+  HeldWork work;
+  TXThreadPool pool(1);
+  std::int32_t running_at_end = -1;
+  pool.Run(std::make_unique<Item>([] {}, [&] { running_at_end = pool.CurThreads(); }));
+  int destroyed = 0;
+  auto kept = std::make_unique<Item>([] {}, [&] { ++destroyed; });
+  Item* keeps_itself = nullptr;
+  auto owned = std::make_unique<Item>([&] { keeps_itself->SetStartTime(7); }, [&] { ++destroyed; });
+  keeps_itself = owned.get();
+  pool.Run(*kept);
+  pool.Run(std::move(owned));
+  work.RunAll();
+  EXPECT_EQ(running_at_end, 1) << "the next item was taken already, so the place is still held";
+  EXPECT_TRUE(kept->CompletedOK);
+  EXPECT_EQ(kept->Pool(), &pool);
+  EXPECT_EQ(destroyed, 0);
+  const std::unique_ptr<Item> taken_back(keeps_itself);
+  EXPECT_TRUE(taken_back->CompletedOK);
+  pool.Run(*kept);
+  work.RunAll();
+  EXPECT_EQ(destroyed, 0);
+}
+
+TEST(TXThreadPool, RefusedStartRaisesAndLosesAPlace) {
+  TXThreadPool pool(1);
+  bool destroyed = false;
+  platform::SetWorkSubmitter([](platform::WorkFunction, void*) { return false; });
+  try {
+    pool.Run(std::make_unique<Item>([] {}, [&] { destroyed = true; }));
+    ADD_FAILURE();
+  } catch (const Exception& error) {
+    EXPECT_EQ(error.Message(), u"Operation Failed to start in Windows ThreadPool");
+  }
+  EXPECT_THROW(ExecuteInThreadPool(Does([] {})), Exception);
+  platform::SetWorkSubmitter(nullptr);
+  EXPECT_TRUE(destroyed);
+  EXPECT_EQ(pool.CurThreads(), 1);
+  Item waits([] {});
+  pool.Run(waits);
+  EXPECT_EQ(pool.PendingCount(), 1);
+}
+
+TEST(TXThreadPool, DestructionNeitherRunsNorDestroysWhatWaits) {
+  int calls = 0;
+  std::vector<std::unique_ptr<TXWorkItem>> items;
+  const auto waiting = [&] {
+    items.push_back(std::make_unique<Item>([&] { ++calls; }, [&] { ++calls; }));
+    return items.back().get();
+  };
+  {
+    TXThreadPool pool(0);
+    pool.Run(*waiting());
+    pool.Run(std::unique_ptr<TXWorkItem>(waiting()));
+    pool.RunDelay(std::unique_ptr<TXWorkItem>(waiting()), kLater);
+    EXPECT_EQ(pool.PendingCount(), 3);
+  }
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(TXThreadPoolDelay, ItemsDueTogetherRunLastOneFirst) {
+  HeldWork work;
+  HeldClock clock(5000);
+  TXThreadPool pool(9);
+  std::string order;
+  const auto delay = [&](char name, std::int32_t ms) {
+    pool.RunDelay(Does([&, name] { order += name; }), kLater + ms);
+  };
+  delay('b', 20);
+  delay('c', 20);
+  delay('a', 15);
+  delay('d', 25);
+  delay('e', 26);
+  delay('f', 99);
+  EXPECT_EQ(pool.PendingCount(), 6);
+  const struct {
+    std::int32_t now;
+    std::string order;
+  } checks[] = {
+      {5, ""},        // the first is due in 10 ms
+      {6, "a"},       // in 9 ms
+      {16, "adcb"},   // equal ones in reverse order of arrival, with one due 9 ms later
+      {17, "adcbe"},  // the next millisecond
+      {16, "adcbe"}, {200, "adcbef"},  // long overdue
+  };
+  for (const auto& check : checks) {
+    clock.now = 5000U + kLater + static_cast<std::uint32_t>(check.now);
+    pool.CheckDelay();
+    work.RunAll();
+    EXPECT_EQ(order, check.order) << check.now;
+  }
+  EXPECT_EQ(pool.PendingCount(), 0);
+}
+
+TEST(TXThreadPoolDelay, DueItemsObeyTheCapAndAreDestroyed) {
+  HeldWork work;
+  HeldClock clock(0);
+  TXThreadPool pool(1);
+  std::string order;
+  for (const char name : {'a', 'b', 'c'}) {
+    pool.RunDelay(std::make_unique<Item>([&, name] { order += name; }, [&] { order += '.'; }),
+                  kLater);
+  }
+  clock.now = kLater;
+  pool.CheckDelay();
+  EXPECT_EQ(work.Count(), 1U);
+  EXPECT_EQ(pool.PendingCount(), 2);
+  work.RunAll();
+  EXPECT_EQ(order, "c.b.a.");
+}
+
+// The plain way: from the last element backwards to the first that is not due later.
+void InsertPlainly(std::vector<std::pair<std::uint32_t, int>>& list, std::uint32_t due, int name) {
+  auto place = list.end();
+  while (place != list.begin() && static_cast<std::int32_t>(std::prev(place)->first - due) > 0) {
+    --place;
+  }
+  list.insert(place, {due, name});
+}
+
+TEST(TXThreadPoolDelay, OrderHoldsAcrossTheWrapOfTheTicks) {
+  constexpr std::uint32_t kStart = 0xFFFFFFFF - kLater;
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    HeldWork work;
+    HeldClock clock(kStart);
+    std::mt19937 random(seed);
+    TXThreadPool pool(1);
+    std::vector<std::pair<std::uint32_t, int>> plain;
+    std::vector<int> order;
+    for (int name = 0; name < 60; ++name) {
+      const auto delay = static_cast<std::int32_t>(kLater - 20 + random() % 40);
+      InsertPlainly(plain, kStart + static_cast<std::uint32_t>(delay), name);
+      pool.RunDelay(Does([&, name] { order.push_back(name); }), delay);
+    }
+    std::vector<int> expected;
+    for (std::uint32_t now = kStart + kLater - 40; now != kStart + kLater + 40; now += 5) {
+      clock.now = now;
+      pool.CheckDelay();
+      work.RunAll();
+      const auto due = std::find_if(plain.begin(), plain.end(), [&](const auto& entry) {
+        return static_cast<std::int32_t>(entry.first - now) > 9;
+      });
+      std::transform(std::make_reverse_iterator(due), plain.rend(), std::back_inserter(expected),
+                     [](const auto& entry) { return entry.second; });
+      plain.erase(plain.begin(), due);
+      EXPECT_EQ(order, expected) << "seed " << seed << " at " << now;
+    }
+    EXPECT_TRUE(plain.empty());
+  }
+}
+
+TEST(TXThreadPoolDelay, TimerRunsItemsAndIsSetAgainForTheRest) {
+  Latch ran(3);
+  const auto start = std::chrono::steady_clock::now();
+  TXThreadPool pool(2);
+  for (const std::int32_t delay : {45, 1, 20}) {
+    pool.RunDelay(Does([&] { ran.Arrive(); }), delay);
+  }
+  ran.Wait();
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(45 - 10));
+  WaitUntilIdle(pool);
+}
+
+TEST(TXThreadPoolDelay, ZeroDelayInFrontSetsNoTimer) {
+  TXThreadPool pool(1);
+  std::string order;
+  Latch ran(2);
+  pool.RunDelay(Does([&] {
+                  order += 'b';
+                  ran.Arrive();
+                }),
+                1);
+  pool.RunDelay(Does([&] {
+                  order += 'a';
+                  ran.Arrive();
+                }),
+                -20);  // takes the timer away
+  Latch later(1);
+  const platform::TimerPtr timer =
+      platform::TimerQueue::Default().Start(40, 0, [&] { later.Arrive(); });
+  later.Wait();
+  platform::TimerQueue::Stop(timer, platform::TimerStop::kWait);
+  EXPECT_EQ(pool.PendingCount(), 2);
+  pool.CheckDelay();
+  ran.Wait();
+  EXPECT_EQ(order, "ba");
+  WaitUntilIdle(pool);
+}
+
+TEST(TXThreadPoolDelay, DestructionWaitsForARunningCheck) {
+  static Latch* entered = nullptr;
+  static Latch* destroying = nullptr;
+  static std::atomic<bool> left{false};
+  Latch entered_latch(1);
+  Latch destroying_latch(1);
+  left = false;
+  entered = &entered_latch;
+  destroying = &destroying_latch;
+  Item waits([] {});
+  auto pool = std::make_unique<TXThreadPool>(0);
+  pool->RunDelay(std::unique_ptr<TXWorkItem>(&waits), 1);
+  platform::SetTickSource([] {
+    entered->Arrive();
+    destroying->Wait();
+    for (int i = 0; i < 50; ++i) std::this_thread::yield();
+    left = true;
+    return std::uint32_t{0};
+  });
+  entered_latch.Wait();
+  platform::SetTickSource(nullptr);
+  destroying_latch.Arrive();
+  pool.reset();
+  EXPECT_TRUE(left);
+}
+
+TEST(TXThreadPoolStress, CapHoldsUnderLoadFromManyThreads) {
+  constexpr int kThreads = 4;
+  constexpr int kItems = 1500;
+  constexpr int kCap = 3;
+  TXThreadPool pool(kCap);
+  std::atomic<int> running{0};
+  std::atomic<int> most{0};
+  std::atomic<int> destroyed{0};
+  const auto work = [&] {
+    const int now = ++running;
+    for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
+    }
+    --running;
+  };
+  {
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+      threads.emplace_back([&, thread] {
+        for (int i = 0; i < kItems; ++i) {
+          auto item = std::make_unique<Item>(work, [&] { ++destroyed; });
+          if (i % 8 == thread) {
+            pool.RunDelay(std::move(item), 1 + i % 5);
+          } else {
+            pool.Run(std::move(item));
+          }
+        }
+      });
+    }
+  }
+  while (destroyed != kThreads * kItems) std::this_thread::yield();
+  WaitUntilIdle(pool);
+  EXPECT_LE(most, kCap);
+}
+
+TEST(ExecuteInThreadPool, ItemsMayWaitForOneAnother) {
+  constexpr int kItems = 24;
+  Latch all_there(kItems);
+  Latch all_gone(kItems);
+  const auto meet = [&] {
+    all_there.ArriveAndWait();
+    all_gone.Arrive();
+  };
+  for (int i = 0; i < kItems; i += 2) {
+    ExecuteInThreadPool(Does(meet));
+    Does(meet).release()->Run();
+  }
+  all_gone.Wait();
+}
+
+}  // namespace
+}  // namespace zentavo

@@ -1,0 +1,7 @@
+#include "zentavo/framework/object.h"
+
+namespace zentavo {
+
+TObject::~TObject() = default;
+
+}  // namespace zentavo

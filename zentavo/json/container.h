@@ -1,0 +1,76 @@
+// What JSON objects and arrays have in common.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "zentavo/json/storage.h"
+#include "zentavo/json/value.h"
+
+namespace zentavo {
+
+class TStream;
+
+namespace json_internal {
+struct Access;
+struct ValueView;
+}  // namespace json_internal
+
+// A container owns its values and frees them with itself. Copying, comparing, writing and freeing
+// take no stack for nested containers, however deep.
+class ZENTAVO_API TJSONContainer : public TZAbstractObject {
+ public:
+  ~TJSONContainer() override;
+
+  std::int32_t length() const { return static_cast<std::int32_t>(storage_.Count()); }
+  bool isEmpty() const { return storage_.Count() == 0; }
+  virtual void clean();  // frees all values
+
+  std::unique_ptr<TZAbstractObject> Clone() const override;
+  bool equals(const TZAbstractObject& Value) const override;
+  std::int32_t hash() const override;  // from the scalars and the lengths of nested containers
+
+  // The compact form: pure ASCII, no blanks.
+  String toString() const override;
+  // The indented form: one value a line in containers of more than one, each level `IndentFactor`
+  // blanks deeper than the last, the outermost at `Indent`.
+  String toString(std::int32_t IndentFactor, std::int32_t Indent = 0) const;
+  AnsiString toUtf8() const;  // the compact form
+  // Writes the compact form in UTF-8; raises EWriteError.
+  void SaveToStream(TStream& Target) const;
+
+ protected:
+  explicit TJSONContainer(bool keyed) : storage_(keyed) {}
+  TJSONContainer(const TJSONContainer& other);
+  TJSONContainer(TJSONContainer&& other) noexcept : storage_(std::move(other.storage_)) {}
+  TJSONContainer& operator=(const TJSONContainer&) = delete;
+  TJSONContainer& operator=(TJSONContainer&&) = delete;
+  void Swap(TJSONContainer& other) noexcept { storage_.swap(other.storage_); }
+
+  json_internal::ValueView View(std::uint32_t index) const;
+  // The value at a position, null for an empty slot.
+  TZAbstractObject* Lend(std::uint32_t index) const;
+  std::unique_ptr<TZAbstractObject> Take(std::uint32_t index);  // leaves an empty slot
+  void Free(std::uint32_t index) noexcept;                      // leaves an empty slot
+  // The slot for a value, which goes over to it; empty for null.
+  static json_internal::Slot Owned(std::unique_ptr<TZAbstractObject> value);
+
+  json_internal::Storage storage_;
+
+ private:
+  friend struct json_internal::Access;
+
+  void FreeAll() noexcept;
+};
+
+namespace json_internal {
+
+struct Access {
+  static Storage& Of(TJSONContainer& container) { return container.storage_; }
+  static const Storage& Of(const TJSONContainer& container) { return container.storage_; }
+};
+
+}  // namespace json_internal
+
+}  // namespace zentavo

@@ -1,0 +1,9 @@
+#include "zentavo/platform/line_break.h"
+
+namespace zentavo::platform {
+
+std::u16string_view LineBreak() {
+  return u"\n";
+}
+
+}  // namespace zentavo::platform
