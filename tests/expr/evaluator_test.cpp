@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "support/thread_settings.h"
 #include "zentavo/expr/expression.h"
 #include "zentavo/expr/tokenizer.h"
 #include "zentavo/foundation/errors.h"
@@ -120,6 +121,7 @@ TEST(TExpressionEvaluator, Evaluates) {
       {u"1 +", "Null"},
       {u"*", "Null"},
   };
+  const testing::ThreadSettings settings{TFormatSettings()};
   Host host;
   for (const auto& row : rows) {
     SCOPED_TRACE(ToUtf8(row.source));

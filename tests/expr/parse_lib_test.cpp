@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "support/thread_settings.h"
 #include "zentavo/foundation/errors.h"
 #include "zentavo/framework/variant_convert.h"
 #include "zentavo/framework/variant_operators.h"
@@ -187,6 +188,7 @@ TEST(StrToVariant, GivesTheTypeThatTheLiteralShows) {
       {u"#65536", VariantKind::kNull, "! Range check error"},
       {u"#1.5", VariantKind::kNull, "! '1.5' is not a valid integer value"},
   };
+  const testing::ThreadSettings settings{TFormatSettings()};
   for (const auto& row : rows) {
     SCOPED_TRACE(ToUtf8(row.text));
     Variant value = Variant::Null();

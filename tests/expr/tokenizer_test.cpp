@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "support/thread_settings.h"
 #include "zentavo/expr/parse_lib.h"
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/variant_convert.h"
@@ -100,6 +101,7 @@ constexpr TokenRow kTokens[] = {
 };
 
 TEST(TTokenizer, ClassifiesAndResolvesTokens) {
+  const testing::ThreadSettings settings{TFormatSettings()};
   Tokens tokens;
   for (const TokenRow& row : kTokens) {
     SCOPED_TRACE(ToUtf8(row.source));

@@ -91,6 +91,7 @@ TEST(ExtractRecord, ReadsTextsCutAnywhere) {
 }
 
 TEST(CompressDataSet, PacksRecords) {
+  const testing::ThreadSettings invariant{TFormatSettings()};
   TMemoryDataSet data(u"T");
   TField& number = data.AddField(u"N", TFieldType::ftFloat);
   TField& text = data.AddField(u"S", TFieldType::ftString);
@@ -109,7 +110,7 @@ TEST(CompressDataSet, PacksRecords) {
   EXPECT_EQ(CompressDataSet(data), u"1.5|a\\|b\\~\\\\|2024-02-29|2.50|~||||~");
   EXPECT_TRUE(data.Bof());
   EXPECT_FALSE(data.ControlsDisabled());
-  const testing::ThreadSettings scope(testing::CommaSettings());
+  const testing::ThreadSettings comma(testing::CommaSettings());
   EXPECT_TRUE(CompressDataSet(data).starts_with(u"1.5|"));
   EXPECT_TRUE(CompressDataSet(data).ends_with(u"|2,50|~||||~"));
 }
