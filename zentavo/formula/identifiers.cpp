@@ -6,12 +6,6 @@
 
 namespace zentavo {
 
-std::uint32_t TIdentList::Hash(StringView name) {
-  std::uint32_t hash = 2166136261u;
-  for (const char16_t unit : name) hash = (hash ^ UpperUnit(unit)) * 16777619u;
-  return hash;
-}
-
 TIdentList::TIdentList() {
   SetSorted(true);
   SetOwnsObjects(true);
@@ -32,16 +26,6 @@ void TIdentList::BuildIndex() const {
     while (slots_[at].name != nullptr) at = (at + 1) & slot_mask_;
     slots_[at] = {hash, &Strings(item), static_cast<const TIdentInfo*>(Objects(item))};
   }
-}
-
-const TIdentInfo* TIdentList::Lookup(StringView name, std::uint32_t hash) const {
-  if (slots_.empty()) BuildIndex();
-  const std::size_t mask = slot_mask_;
-  for (std::size_t at = hash & mask; slots_[at].name != nullptr; at = (at + 1) & mask) {
-    const Slot& slot = slots_[at];
-    if (slot.hash == hash && (*slot.name == name || SameText(*slot.name, name))) return slot.ident;
-  }
-  return nullptr;
 }
 
 bool TIdentList::Holds(const void* address) const {

@@ -32,8 +32,21 @@ class ZENTAVO_API TIdentList : public TStringList {
   // Null when the name is not there. The second form takes the name's Hash, for one name and
   // several tables.
   const TIdentInfo* Lookup(StringView name) const { return Lookup(name, Hash(name)); }
-  const TIdentInfo* Lookup(StringView name, std::uint32_t hash) const;
-  static std::uint32_t Hash(StringView name);
+  const TIdentInfo* Lookup(StringView name, std::uint32_t hash) const {
+    if (slots_.empty()) BuildIndex();
+    const std::size_t mask = slot_mask_;
+    for (std::size_t at = hash & mask; slots_[at].name != nullptr; at = (at + 1) & mask) {
+      const Slot& slot = slots_[at];
+      if (slot.hash == hash && (*slot.name == name || SameText(*slot.name, name)))
+        return slot.ident;
+    }
+    return nullptr;
+  }
+  static std::uint32_t Hash(StringView name) {
+    std::uint32_t hash = 2166136261u;
+    for (const char16_t unit : name) hash = (hash ^ UpperUnit(unit)) * 16777619u;
+    return hash;
+  }
   // Whether `address` is that of an entry of this table.
   bool Holds(const void* address) const;
   // Prepares looking up, which else happens at the first Lookup after a change. A table that

@@ -177,7 +177,7 @@ void TXParser::ReadIdentifier() {
 
 void TXParser::ClassifyIdentifier() {
   const TIdentInfo* found = nullptr;
-  if (!UserResolve()) {
+  if (!state_->has_hooks || !UserResolve()) {
     if (SearchIdent(CToken.TokenValue, CToken.TokenIdent)) {
       found = CToken.TokenIdent;
       CToken.TokenType = found->IdentToken;

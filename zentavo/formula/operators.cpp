@@ -83,25 +83,6 @@ bool Difference(const TResult& left, const TResult& right, double& difference) {
 
 }  // namespace
 
-double ApplyToNumbers(TTokenTypes token, double left, double right) {
-  switch (token) {
-    case tokAdd: return left + right;
-    case tokSub: return left - right;
-    case tokMul: return left * right;
-    case tokDiv: return right == 0 ? 0 : left / right;
-    case tokAnd: return left != 0 && right != 0;
-    case tokOr: return left != 0 || right != 0;
-    case tokXor: return (left != 0) != (right != 0);
-    case tokAndNot: return left != 0 && right == 0;
-    case tokEqual: return left - right == 0;
-    case tokLess: return left - right < 0;
-    case tokGreater: return left - right > 0;
-    case tokLessEqual: return left - right <= 0;
-    case tokGreaterEqual: return left - right >= 0;
-    default: return left - right != 0;
-  }
-}
-
 OperatorFault AddProc(TResult& left, const TResult& right) {
   if (IsString(left) && IsString(right)) {
     left.ResultStr += right.ResultStr;
@@ -156,12 +137,7 @@ OperatorFault NotProc(TResult& result) {
   return kDone;
 }
 
-OperatorFault ApplyOperator(TTokenTypes token, TResult& left, const TResult& right) {
-  // What is almost always so.
-  if (left.ResultType == resNumber && right.ResultType == resNumber) {
-    left.ResultNum = ApplyToNumbers(token, left.ResultNum, right.ResultNum);
-    return kDone;
-  }
+OperatorFault ApplyToOthers(TTokenTypes token, TResult& left, const TResult& right) {
   switch (token) {
     case tokAdd: return AddProc(left, right);
     case tokSub: return SubProc(left, right);

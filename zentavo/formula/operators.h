@@ -25,10 +25,36 @@ OperatorFault Compare(TTokenTypes comparison, TResult& left, const TResult& righ
 OperatorFault Negate(TResult& result);
 OperatorFault NotProc(TResult& result);
 
-OperatorFault ApplyOperator(TTokenTypes token, TResult& left, const TResult& right);
-
 // The same on two numbers.
-double ApplyToNumbers(TTokenTypes token, double left, double right);
+inline double ApplyToNumbers(TTokenTypes token, double left, double right) {
+  switch (token) {
+    case tokAdd: return left + right;
+    case tokSub: return left - right;
+    case tokMul: return left * right;
+    case tokDiv: return right == 0 ? 0 : left / right;
+    case tokAnd: return left != 0 && right != 0;
+    case tokOr: return left != 0 || right != 0;
+    case tokXor: return (left != 0) != (right != 0);
+    case tokAndNot: return left != 0 && right == 0;
+    case tokEqual: return left - right == 0;
+    case tokLess: return left - right < 0;
+    case tokGreater: return left - right > 0;
+    case tokLessEqual: return left - right <= 0;
+    case tokGreaterEqual: return left - right >= 0;
+    default: return left - right != 0;
+  }
+}
+
+OperatorFault ApplyToOthers(TTokenTypes token, TResult& left, const TResult& right);
+
+inline OperatorFault ApplyOperator(TTokenTypes token, TResult& left, const TResult& right) {
+  // What is almost always so.
+  if (left.ResultType == resNumber && right.ResultType == resNumber) {
+    left.ResultNum = ApplyToNumbers(token, left.ResultNum, right.ResultNum);
+    return nullptr;
+  }
+  return ApplyToOthers(token, left, right);
+}
 
 // How the operator stands in debug texts; null for those that leave the debug text unchanged.
 inline const char* OperatorDebugText(TTokenTypes token) {

@@ -115,10 +115,6 @@ class ExecuteScope {
   bool succeeded_ = false;
 };
 
-void TXParser::Execute() {
-  if (!RunPlainProgram()) ExecuteGuarded();
-}
-
 void TXParser::ExecuteGuarded() {
   EnsureInitialized();
   ExecuteScope scope(*this);

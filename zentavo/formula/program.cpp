@@ -23,7 +23,7 @@ bool FormulaProgram::StillHolds(TXParser& parser, std::uint64_t table_version) c
   return true;
 }
 
-inline void FormulaProgram::Execute(TXParser& parser, const FormulaInstruction& step) {
+inline void FormulaProgram::ExecuteOnNumbers(const FormulaInstruction& step) {
   switch (step.op) {
     case FormulaOp::kAdd: *step.number_out = *step.left + *step.right; break;
     case FormulaOp::kSub: *step.number_out = *step.left - *step.right; break;
@@ -52,6 +52,12 @@ inline void FormulaProgram::Execute(TXParser& parser, const FormulaInstruction& 
       *step.number_out = *step.integer;
       trace_.SetNumber(step.node, *step.number_out);
       break;
+    default: break;  // works on a result
+  }
+}
+
+void FormulaProgram::ExecuteOnResult(TXParser& parser, const FormulaInstruction& step) {
+  switch (step.op) {
     case FormulaOp::kMakeNumber:
       MakeFresh(*step.result);
       step.result->ResultType = resNumber;
@@ -83,11 +89,23 @@ inline void FormulaProgram::Execute(TXParser& parser, const FormulaInstruction& 
       trace_.Assign(step.result->DebugStr,
                     trace_.AddParentheses(trace_.NodeOf(step.result->DebugStr)));
       break;
+    default: break;  // works on numbers
   }
 }
 
 void FormulaProgram::RunSteps(TXParser& parser) {
-  for (const FormulaInstruction& step : steps_) Execute(parser, step);
+  for (const FormulaInstruction& step : steps_) {
+    if (step.result == nullptr) {
+      ExecuteOnNumbers(step);
+    } else {
+      ExecuteOnResult(parser, step);
+    }
+  }
+}
+
+// Not inlined: a constant formula needs none of the registers that the steps take.
+[[gnu::noinline]] void FormulaProgram::RunPlainSteps() {
+  for (const FormulaInstruction& step : steps_) ExecuteOnNumbers(step);
 }
 
 inline void FormulaProgram::Deliver(TXParser& parser) {
@@ -97,7 +115,12 @@ inline void FormulaProgram::Deliver(TXParser& parser) {
     trace_.Assign(parser.CResult.DebugStr, final_node_);
   }
   parser.CToken.TokenType = last_token_.TokenType;
-  if (last_token_.TokenType != tokNull) parser.CToken = last_token_;
+  if (last_token_.TokenType != tokNull) DeliverToken(parser);
+}
+
+// Apart, because a formula that ends where its text ends has none.
+[[gnu::noinline]] void FormulaProgram::DeliverToken(TXParser& parser) const {
+  parser.CToken = last_token_;
 }
 
 void FormulaProgram::Run(TXParser& parser) {
@@ -106,13 +129,18 @@ void FormulaProgram::Run(TXParser& parser) {
   Deliver(parser);
 }
 
-bool TXParser::RunPlainProgram() {
+inline bool TXParser::RunPlainProgram() {
   FormulaProgram* program = state_->plain_program;
   if (program == nullptr || !program->HasTables(Idents.Version())) return false;
   if (!CResult.ResultStr.empty()) CResult.ResultStr.clear();
-  if (!program->steps_.empty()) program->RunSteps(*this);
+  if (!program->steps_.empty()) program->RunPlainSteps();
   program->Deliver(*this);
   return true;
+}
+
+// Here, so that a repeated formula is one call.
+void TXParser::Execute() {
+  if (!RunPlainProgram()) ExecuteGuarded();
 }
 
 }  // namespace zentavo

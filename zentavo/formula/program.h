@@ -94,9 +94,12 @@ class FormulaProgram {
     const TIdentInfo* ident;
   };
 
-  void Execute(TXParser& parser, const FormulaInstruction& step);
+  void ExecuteOnNumbers(const FormulaInstruction& step);
+  void ExecuteOnResult(TXParser& parser, const FormulaInstruction& step);
   void RunSteps(TXParser& parser);
+  void RunPlainSteps();
   void Deliver(TXParser& parser);
+  void DeliverToken(TXParser& parser) const;
 
   std::vector<FormulaInstruction> steps_;
   // Addresses stay, because the instructions hold them.
