@@ -55,7 +55,7 @@ class SqlStatement {
  private:
   struct Bound;
   Bound& Add(const AnsiString& name, const Variant& value);
-  void Assign(Bound& bound, const Variant& value);
+  static void Assign(Bound& bound, const Variant& value);
 
   SqlSession& session_;
   std::unique_ptr<soci::statement> statement_;

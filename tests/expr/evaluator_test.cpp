@@ -61,7 +61,7 @@ class Host : public TExpressionEvaluator {
   void Compile(StringView source) {
     TStringList names;
     for (const char16_t* name : {u"a", u"b", u"c", u"text"}) {
-      names.AddValue(name, static_cast<TStringList::Attached>(names.Count() + 1));
+      names.AddValue(name, static_cast<TStringList::Attached>(names.Count()) + 1);
     }
     TStringList functions;
     functions.AddValue(u"sum3", kSum3);

@@ -55,6 +55,7 @@ TEST(SpellOut, LongWordsComeWhole) {
 TEST(SpellOut, ThreadsSpellSideBySide) {
   std::vector<std::thread> threads;
   std::vector<int> right(4);
+  threads.reserve(right.size());
   for (int& count : right) {
     threads.emplace_back([&count] {
       for (int round = 0; round < 50; ++round) {

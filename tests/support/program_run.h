@@ -21,7 +21,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): not every system declares it
 #endif
 
 namespace zentavo::testing {

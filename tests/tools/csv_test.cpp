@@ -60,9 +60,9 @@ constexpr Row kRows[] = {
     {"a,b\n\"\"\n", "1[a][b]2[]"},
     {"a\rb,c\r\r\n", "1[a\rb][c\r]"},
     {"\"a\",\"b,c\"\n", "1[a][b,c]"},
-    {"\"a\"\"b\"\"\",\"\"\"\"\n", "1[a\"b\"][\"]"},
+    {"\"a\"\"b\"\"\",\"\"\"\"\n", R"(1[a"b"]["])"},
     {"\"a\r\nb\",c\n1,2\n", "1[a\r\nb][c]3[1][2]"},
-    {"\"\",\"\"", "1[][]"},
+    {R"("","")", "1[][]"},
     {"Τιμή,€\n", "1[Τιμή][€]"},
     {"a\nb\"c\n", "1[a]line 2: Quote in a field without quotes"},
     {"a, \"b\"\n", "line 1: Quote in a field without quotes"},
@@ -72,7 +72,7 @@ constexpr Row kRows[] = {
     {"\"a\nb\"x", "line 2: Text behind a closing quote"},
     {"a\n\"b\nc", "1[a]line 2: Quote without an end"},
     {"\"", "line 1: Quote without an end"},
-    {"\"a\"\"", "line 1: Quote without an end"},
+    {R"("a"")", "line 1: Quote without an end"},
 };
 
 TEST(CsvReader, ReadsRecordsWithBlockBordersAnywhere) {
@@ -132,7 +132,8 @@ TEST(CsvWriter, FieldsReadBack) {
   std::mt19937 random(7);
   constexpr std::string_view kBytes = "ab,\"\r\n \xCE\xB1";
   for (int round = 0; round < 2000; ++round) {
-    std::string text, expected;
+    std::string text;
+    std::string expected;
     CsvWriter writer([&](std::string_view block) { text += block; });
     expected = "1";
     for (int i = 0; i < 3; ++i) {

@@ -32,9 +32,9 @@ class CsvError : public Exception {
 };
 
 struct CsvLimits {
-  std::size_t record_bytes = 16 * 1024 * 1024;  // of a record without its line break
-  std::size_t fields = 65536;                   // of a record
-  std::size_t block_bytes = 256 * 1024;         // asked of the source at a time; at least 1
+  std::size_t record_bytes = std::size_t{16} << 20;  // of a record without its line break
+  std::size_t fields = 65536;                        // of a record
+  std::size_t block_bytes = std::size_t{256} << 10;  // asked of the source at a time; at least 1
 };
 
 // Neither copied nor moved.

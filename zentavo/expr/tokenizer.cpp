@@ -156,7 +156,7 @@ bool TTokenizer::IsFunction(StringView Name, std::int32_t& ParamCount) {
   return true;
 }
 
-void TTokenizer::FatalError(StringView Msg) const {
+void TTokenizer::FatalError(StringView Msg) {
   ZentavoError(Msg);
 }
 

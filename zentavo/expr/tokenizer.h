@@ -73,7 +73,7 @@ class ZENTAVO_API TTokenizer {
   static bool IsKeyWord(StringView Name);
   // Makes the current token the function `Name`, in lower case, if it is one.
   bool IsFunction(StringView Name, std::int32_t& ParamCount);
-  [[noreturn]] void FatalError(StringView Msg) const;
+  [[noreturn]] static void FatalError(StringView Msg);
 
  protected:
   const String& Source() const { return FSource; }

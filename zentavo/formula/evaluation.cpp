@@ -360,7 +360,7 @@ void TXParser::ParserError(StringView Msg, StringView Name) const {
   RaiseAt(Msg, state_->token_start, Name);
 }
 
-void TXParser::RaiseAt(StringView Msg, std::int32_t Position, StringView Name) const {
+void TXParser::RaiseAt(StringView Msg, std::int32_t Position, StringView Name) {
   throw EXParserError(String(Msg), Position, String(Name));
 }
 

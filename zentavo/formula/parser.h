@@ -221,7 +221,7 @@ class ZENTAVO_API TXParser {
                    std::int32_t Position);
   void ApplyUnary(TTokenTypes Operator, TResult& Result, std::int32_t Position);
   void CheckArguments(bool Right, StringView Function) const;
-  [[noreturn]] void RaiseAt(StringView Msg, std::int32_t Position, StringView Name = {}) const;
+  [[noreturn]] static void RaiseAt(StringView Msg, std::int32_t Position, StringView Name = {});
 
   // In this order, which descendants and debuggers know.
   String FFormula;

@@ -125,7 +125,7 @@ void TByteStrings::SetValue(std::string_view Name, std::string_view Value) {
   }
 }
 
-void TByteStrings::CheckIndex(std::int32_t Index, std::int32_t End) const {
+void TByteStrings::CheckIndex(std::int32_t Index, std::int32_t End) {
   if (Index < 0 || Index >= End) RaiseOutOfBounds(u"index", Index);
 }
 

@@ -60,7 +60,7 @@ class ZENTAVO_API TByteStrings {
   void SetValue(std::string_view Name, std::string_view Value);
 
  private:
-  void CheckIndex(std::int32_t Index, std::int32_t End) const;
+  static void CheckIndex(std::int32_t Index, std::int32_t End);
   void Grow();
 
   std::vector<AnsiString> FList;  // its size is the capacity

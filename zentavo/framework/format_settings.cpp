@@ -78,7 +78,7 @@ const TFormatSettings& FormatSettings() {
 
 TFormatSettings& ProcessFormatSettings() {
   // Never destroyed: destructors of other static objects still format text.
-  static TFormatSettings* const settings = new TFormatSettings(UserFormatSettings());
+  static auto* const settings = new TFormatSettings(UserFormatSettings());
   return *settings;
 }
 

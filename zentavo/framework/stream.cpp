@@ -12,7 +12,7 @@ namespace zentavo {
 
 namespace {
 
-constexpr std::int64_t kCopyPiece = 64 * 1024;  // bytes
+constexpr std::int64_t kCopyPiece = std::int64_t{64} << 10;  // bytes
 constexpr std::int64_t kFarthest = std::numeric_limits<std::int64_t>::max();
 
 std::span<std::byte> Writable(void* buffer, std::int64_t count) {

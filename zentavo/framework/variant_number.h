@@ -22,7 +22,7 @@ struct Number {
   bool IsReal() const { return rank >= Rank::kDouble; }
   double AsDouble() const {
     if (IsReal()) return real;
-    const double value = static_cast<double>(whole);
+    const auto value = static_cast<double>(whole);
     return IsInteger() ? value : value / static_cast<double>(kCurrencyScale);
   }
 };

@@ -58,7 +58,9 @@ void TGeneticAlgorithm::Execute(const std::shared_ptr<IFitness>& Afitness, TDate
   FGenerations = no_improvement_ = evaluated_ = 0;
   below_threshold_ = has_looked_ = false;
   if (has_seed_) random_.Seed(seed_);
-  const std::shared_ptr<IFitness> kept = Afitness;
+  // The call-backs may drop the owner's last reference.
+  const std::shared_ptr<IFitness> kept =
+      Afitness;  // NOLINT(performance-unnecessary-copy-initialization)
   try {
     if (kept == nullptr) ZentavoError(u"No fitness to search by");
     Run(*kept, {AUntilTime, AElasticCount, AMask, AMasksExc});

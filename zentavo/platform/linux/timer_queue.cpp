@@ -34,6 +34,7 @@ struct TimerQueue::State {
   int running = 0;  // callbacks
   bool has_thread = false;
   std::atomic<bool> closed{false};  // read without the lock too
+  std::shared_ptr<State> kept;      // itself, when it must never be destroyed
 
   // In a child made by fork: the thread is gone, and the lock may be held by it for ever.
   bool LeftByFork() const { return generation != ForkGeneration(); }
@@ -146,7 +147,7 @@ TimerQueue::TimerQueue() : state_(std::make_shared<State>()) {}
 // A child made by fork keeps what its parent's thread may have locked: it can never be destroyed.
 TimerQueue::~TimerQueue() {
   Close();
-  if (state_->LeftByFork()) static_cast<void>(new std::shared_ptr<State>(state_));
+  if (state_->LeftByFork()) state_->kept = state_;
 }
 
 // Never destroyed: its thread uses it until the process ends.
