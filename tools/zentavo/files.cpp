@@ -4,14 +4,12 @@
 
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/format.h"
-#include "zentavo/framework/number_text.h"
 
 namespace zentavo::tool {
 
 namespace {
 
 constexpr StringView kCannotOpen = u"Cannot open file \"%s\". %s";
-constexpr StringView kCannotCreate = u"Cannot create file \"%s\". %s";
 constexpr StringView kCannotRead = u"Cannot read file \"%s\". %s";
 constexpr StringView kCannotWrite = u"Cannot write file \"%s\". %s";
 
@@ -29,19 +27,6 @@ void FlushStandardOutput() {
   if (std::fflush(stdout) != 0) {
     throw EWriteError(Message(kCannotWrite, u"-", platform::LastSystemError()));
   }
-}
-
-// Opens a file beside `target` that no other program has, and sets `name`.
-platform::SystemError CreateBeside(StringView target, platform::File& file, String& name) {
-  constexpr int kAttempts = 1000;
-  platform::SystemError error = 0;
-  for (int i = 0; i < kAttempts; ++i) {
-    name = String(target) + u"." + IntToStr(i) + u".tmp";
-    error = file.Open(name, platform::FileAccess::kWrite, platform::FileSharing::kNone,
-                      platform::FileCreation::kCreateNew);
-    if (error == 0 || !platform::FileExists(name)) break;
-  }
-  return error;
 }
 
 }  // namespace
@@ -92,33 +77,17 @@ std::string ReadWholeInput(const std::string& name) {
 }
 
 OutputFile::OutputFile(const std::string& name) {
-  if (name == "-") return;
-  target_ = platform::ResolveLink(FromUtf8(name));
-  String temporary;
-  const platform::SystemError error = CreateBeside(target_, file_, temporary);
-  if (error != 0) throw EFCreateError(Message(kCannotCreate, target_, error));
-  temporary_ = std::move(temporary);
-}
-
-OutputFile::~OutputFile() {
-  file_.Close();
-  if (!temporary_.empty()) platform::RemoveFile(temporary_);
+  if (name != "-") file_.emplace(FromUtf8(name));
 }
 
 void OutputFile::Write(std::string_view bytes) {
-  if (target_.empty()) return WriteToStandardOutput(bytes);
-  std::size_t done = 0;
-  const platform::SystemError error = file_.Write(std::as_bytes(std::span(bytes)), done);
-  if (error != 0) throw EWriteError(Message(kCannotWrite, target_, error));
+  if (!file_) return WriteToStandardOutput(bytes);
+  file_->WriteBuffer(bytes.data(), static_cast<std::int64_t>(bytes.size()));
 }
 
 void OutputFile::Commit() {
-  if (target_.empty()) return FlushStandardOutput();
-  platform::SystemError error = file_.Flush();
-  file_.Close();
-  if (error == 0) error = platform::ReplaceFileBy(temporary_, target_);
-  if (error != 0) throw EWriteError(Message(kCannotWrite, target_, error));
-  temporary_.clear();
+  if (!file_) return FlushStandardOutput();
+  file_->Commit();
 }
 
 }  // namespace zentavo::tool

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
+#include "zentavo/framework/atomic_file.h"
 #include "zentavo/framework/text.h"
 #include "zentavo/platform/files.h"
 
@@ -35,26 +37,18 @@ class InputFile {
 // All bytes of the file.
 std::string ReadWholeInput(const std::string& name);
 
-// A target of bytes that appears whole or not at all: what is written goes to a temporary file
-// beside the target, which Commit puts in the target's place. Standard output is written as it
-// comes. Neither copied nor moved.
+// A target of bytes: a file that is replaced as a whole, and only by Commit, or standard output,
+// which is written as it comes.
 class OutputFile {
  public:
   // Raises EFCreateError when no file can be made there.
   explicit OutputFile(const std::string& name);
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
-  // Without Commit before, the target is as it was.
-  ~OutputFile();
 
-  // Both raise EWriteError.
-  void Write(std::string_view bytes);
-  void Commit();
+  void Write(std::string_view bytes);  // raises EWriteError
+  void Commit();                       // raises EFCreateError
 
  private:
-  String target_;     // empty for standard output
-  String temporary_;  // empty when there is none
-  platform::File file_;
+  std::optional<TAtomicFileStream> file_;  // none for standard output
 };
 
 }  // namespace zentavo::tool
