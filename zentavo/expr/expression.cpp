@@ -135,7 +135,7 @@ void TExpression::GetTokenList(const TTokenList& List, std::int32_t From, std::i
   ConvertInFixToPostFix();
 }
 
-void TExpression::FatalError(StringView Msg) const {
+void TExpression::FatalError(StringView Msg) {
   ZentavoError(Msg);
 }
 

@@ -50,7 +50,7 @@ class ZENTAVO_API TExpression {
   // (%d)", the library's base error "Code list is missing" before the first compilation, and as
   // above.
   void GetTokenList(const TTokenList& List, std::int32_t From, std::int32_t Till);
-  [[noreturn]] void FatalError(StringView Msg) const;
+  [[noreturn]] static void FatalError(StringView Msg);
 
  protected:
   // Appends the instructions of FInFix to FPostFix. False when parentheses were left over, which

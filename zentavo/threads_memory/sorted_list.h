@@ -19,7 +19,7 @@ class ZENTAVO_API TXSortedList : public TList {
   // Below, equal to or above 0, as the item is ordered before, with or after the key.
   using FindFunction = std::function<int(void* item, StringView key)>;
 
-  TXSortedList(CompareFunction SortCompare, FindFunction FindCompare);
+  TXSortedList(CompareFunction sort_compare, FindFunction find_compare);
   ~TXSortedList() override;
 
   std::int32_t Add(void* Item);  // returns its index until the next search
