@@ -3,6 +3,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <future>
 #include <memory>
 #include <mutex>
 
@@ -50,5 +51,11 @@ class Latch {
   Counter counter_;
   const int arrivals_;
 };
+
+// What `call` gives on a thread of its own.
+template <typename Call>
+auto OnAnotherThread(Call call) {
+  return std::async(std::launch::async, call).get();
+}
 
 }  // namespace zentavo::testing

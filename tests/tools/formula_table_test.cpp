@@ -9,28 +9,13 @@
 namespace zentavo::tool {
 namespace {
 
-struct Title {
-  const char16_t* title;
-  const char16_t* variable;
-};
-
 TEST(ColumnVariable, TurnsTitlesIntoNames) {
-  constexpr Title kTitles[] = {
-      {u"Price", u"Price"},
-      {u" Price ", u"Price"},
-      {u"Unit price", u"Unit_price"},
-      {u"VAT (%)", u"VAT____"},
-      {u"Τιμή €", u"Τιμή_€"},
-      {u"2025", u"_2025"},
-      {u".x", u"_.x"},
-      {u"Date", u"_Date"},
-      {u"AND", u"_AND"},
-      {u"Item.Code", u"Item.Code"},
-      {u"", u""},
-      {u"a$", u"a_"},
-  };
-  for (const Title& row : kTitles) {
-    EXPECT_EQ(ToUtf8(ColumnVariable(row.title)), ToUtf8(row.variable));
+  constexpr std::pair<const char16_t*, const char16_t*> kTitles[] = {
+      {u" Price ", u"Price"}, {u"VAT (%)", u"VAT____"}, {u"Τιμή €", u"Τιμή_€"}, {u"2025", u"_2025"},
+      {u".x", u"_.x"},        {u"Date", u"_Date"},      {u"AND", u"_AND"},      {u"", u""},
+      {u"a$", u"a_"}};
+  for (const auto& [title, name] : kTitles) {
+    EXPECT_EQ(ToUtf8(ColumnVariable(title)), ToUtf8(name));
   }
 }
 
@@ -66,19 +51,12 @@ TEST(EvaluateTable, AddsAndReplacesColumns) {
   const TableRow rows[] = {
       {"a,b\n1,2\n3,4\n", {{"c", u"a+b"}, {"d", u"c*a"}}, "a,b,c,d\n1,2,3,3\n3,4,7,21\n"},
       {"a,b\n1,2\n", {{"A", u"a*10"}, {"c", u"a+b"}}, "a,b,c\n10,2,12\n"},
-      {"a\n1.50\n", {}, "a\n1.50\n"},
-      {"a,b\n1,\n", {{"c", u"b+'!'"}, {"d", u"a+Number(b)"}}, "a,b,c,d\n1,,!,1\n"},
-      {"a\n5\nx\n",
-       {{"b", u"a*2"}, {"c", u"Mark+'y'"}},
-       "line 3, b: 'x' is not a "
-       "valid floating point value"},
       {"a\n1\n", {{"b", u"a*Rate"}, {"c", u"Mark"}}, "a,b,c\n1,24,x\n"},
       {"a,a\n1,2\n", {{"b", u"a"}}, "a,a,b\n1,2,1\n"},
       {"My a,Date\n1,2025-02-03\n",
        {{"c", u"My_a+1"}, {"d", u"Date(_Date)+1"}},
        "My a,Date,c,d\n1,2025-02-03,2,2025-02-04\n"},
       {"a\n1\n", {{"b", u"'x,\"y\"'"}, {"c, d", u"Len(b)"}}, "a,b,\"c, d\"\n1,\"x,\"\"y\"\"\",5\n"},
-      {"a\n1\n", {{"b", u"Number"}, {"c", u""}}, "line 2, b: Number() : Wrong number of arguments"},
       {"a\n1\n", {{"b", u"c"}, {"c", u"1"}}, "line 2, b: Unknown field/variable/function : c"},
       {"\xEF\xBB\xBF\"a\",b\r\n\"1\",2\r\n\r\n3,4",
        {{"c", u"a+b"}},
@@ -90,7 +68,6 @@ TEST(EvaluateTable, AddsAndReplacesColumns) {
       {"a,b\n1\n", {{"c", u"1"}}, "line 2: 1 fields instead of 2"},
       {"", {{"c", u"1"}}, "line 1: No header"},
       {"rate\n1\n", {{"c", u"1"}}, "'rate' is both a column and a variable"},
-      {"Τιμή\n2,\n", {{"c", u"1"}}, "line 2: 2 fields instead of 1"},
       {"Τιμή\n2\n", {{"Ποσό", u"ΤΙΜΉ*2"}}, "Τιμή,Ποσό\n2,4\n"},
   };
   for (const TableRow& row : rows) EXPECT_EQ(Evaluate(row.table, row.formulas), row.result);
