@@ -6,14 +6,15 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/error_of.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temporary_folder.h"
-#include "zentavo/framework/exception.h"
 
 namespace zentavo {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ErrorOf;
 using testing::ReadBytes;
 using testing::TemporaryFolder;
 using testing::WriteBytes;
@@ -114,22 +115,20 @@ TEST(TAtomicFileStream, ReadsBackAndRefusesAllAfterCommit) {
 TEST(SaveFileAtomically, NamesWhatCannotBeCreated) {
   const TemporaryFolder folder;
   const String name = (folder / u"missing") + u"/file";
-  try {
-    SaveFileAtomically(name, Bytes("x"));
-    FAIL();
-  } catch (const EFCreateError& error) {
-    EXPECT_TRUE(error.Message().starts_with(u"Cannot create file \"" + name + u"\". "));
-  }
-  fs::create_directory(fs::path(folder / u"folder"));
-  EXPECT_THROW(SaveFileAtomically(folder / u"folder", Bytes("x")), EFCreateError);
-  EXPECT_EQ(FileCount(folder), 1);
+  const std::string error = ErrorOf<EFCreateError>([&] { SaveFileAtomically(name, Bytes("x")); });
+  EXPECT_TRUE(error.starts_with("Cannot create file \"" + ToUtf8(name) + "\". ")) << error;
+  EXPECT_THROW(SaveFileAtomically(folder.Path(), Bytes("x")), EFCreateError);
+  EXPECT_EQ(FileCount(folder), 0);
 }
 
-TEST(SaveFileAtomically, TakesTheLongestNames) {
+TEST(SaveFileAtomically, TakesTheLongestNamesAndPaths) {
   const TemporaryFolder folder;
-  const std::string name(200, 'n');
-  SaveFileAtomically(folder / FromUtf8(name), Bytes("x"));
-  EXPECT_EQ(ReadBytes(folder / FromUtf8(name)), "x");
+  const String parent = folder / String(110, u'α');
+  fs::create_directory(fs::path(parent));
+  const String name = parent + u'/' + String(200, u'n');
+  SaveFileAtomically(name, Bytes("x"));
+  EXPECT_EQ(ReadBytes(name), "x");
+  EXPECT_EQ(platform::RemoveFile(name), 0U);
 }
 
 TEST(SaveFileAtomically, KeepsPermissions) {

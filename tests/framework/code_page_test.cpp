@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "zentavo/framework/exception.h"
+#include "tests/support/error_of.h"
 
 namespace zentavo {
 namespace {
@@ -20,18 +20,12 @@ TEST(CodePage, SystemCodePageCanBeSetAndReset) {
 }
 
 TEST(CodePage, UnknownNumbersRaise) {
-  const auto expect_raise = [](auto call) {
-    try {
-      call();
-      ADD_FAILURE() << "nothing raised";
-    } catch (const EConvertError& error) {
-      EXPECT_EQ(error.Message(), u"Unknown code page 12345");
-    }
-  };
+  using testing::ErrorOf;
   const std::uint32_t before = SystemCodePage();
-  expect_raise([] { SetSystemCodePage(12345); });
-  expect_raise([] { ToCodePage(u"a", 12345); });
-  expect_raise([] { FromCodePage("a", 12345); });
+  const std::string error = "Unknown code page 12345";
+  EXPECT_EQ(ErrorOf<EConvertError>([] { SetSystemCodePage(12345); }), error);
+  EXPECT_EQ(ErrorOf<EConvertError>([] { ToCodePage(u"a", 12345); }), error);
+  EXPECT_EQ(ErrorOf<EConvertError>([] { FromCodePage("a", 12345); }), error);
   EXPECT_EQ(SystemCodePage(), before);
 }
 

@@ -41,15 +41,7 @@ TEST(TComponent, HandsAComponentBack) {
   EXPECT_EQ(owner.RemoveComponent(part), nullptr);
   EXPECT_EQ(owner.FindComponent(u"Part"), nullptr);
   EXPECT_EQ(log, u"");
-}
-
-TEST(TComponent, IndexOutOfRangeRaises) {
-  try {
-    TComponent().Components(2);
-    FAIL();
-  } catch (const EListError& error) {
-    EXPECT_EQ(error.Message(), u"List index out of bounds (2)");
-  }
+  EXPECT_THROW(owner.Components(0), EListError);
 }
 
 }  // namespace

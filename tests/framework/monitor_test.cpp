@@ -5,37 +5,36 @@
 #include <future>
 #include <vector>
 
+#include "tests/support/latch.h"
 #include "zentavo/framework/exception.h"
 
 namespace zentavo {
 namespace {
 
-bool OtherThreadEnters(TMonitor& monitor, std::int32_t timeout_ms) {
-  return std::async(std::launch::async,
-                    [&] {
-                      const bool entered = monitor.Enter(timeout_ms);
-                      if (entered) monitor.Exit();
-                      return entered;
-                    })
-      .get();
+using testing::OnAnotherThread;
+
+bool EntersAndLeaves(TMonitor& monitor, std::int32_t timeout_ms) {
+  const bool entered = monitor.Enter(timeout_ms);
+  if (entered) monitor.Exit();
+  return entered;
 }
 
 TEST(TMonitor, OwnerEntersAgainAndLeavesAsOften) {
   TMonitor monitor;
   EXPECT_TRUE(monitor.Enter());
   EXPECT_TRUE(monitor.Enter(0));
-  EXPECT_FALSE(OtherThreadEnters(monitor, 0));
+  EXPECT_FALSE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 0); }));
   monitor.Exit();
-  EXPECT_FALSE(OtherThreadEnters(monitor, 1));
+  EXPECT_FALSE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 1); }));
   monitor.Exit();
-  EXPECT_TRUE(OtherThreadEnters(monitor, 0));
+  EXPECT_TRUE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 0); }));
 }
 
 TEST(TMonitor, OnlyTheOwnerLeaves) {
   TMonitor monitor;
   EXPECT_THROW(monitor.Exit(), Exception);
   const MonitorLock lock(monitor);
-  std::async(std::launch::async, [&] { EXPECT_THROW(monitor.Exit(), Exception); }).get();
+  OnAnotherThread([&] { EXPECT_THROW(monitor.Exit(), Exception); });
 }
 
 TEST(TMonitor, WaitersGetTheLockWhenItIsLeft) {
@@ -45,9 +44,7 @@ TEST(TMonitor, WaitersGetTheLockWhenItIsLeft) {
     std::promise<void> started;
     std::future<bool> waiter = std::async(std::launch::async, [&] {
       started.set_value();
-      const bool entered = monitor.Enter(timeout_ms);
-      if (entered) monitor.Exit();
-      return entered;
+      return EntersAndLeaves(monitor, timeout_ms);
     });
     started.get_future().wait();
     monitor.Exit();

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "framework/variant_dump.h"
-#include "zentavo/framework/format_settings.h"
+#include "tests/framework/variant_dump.h"
+#include "tests/support/thread_settings.h"
 
 namespace zentavo {
 namespace {
@@ -14,10 +14,9 @@ constexpr std::int64_t kMin64 = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kMax64 = std::numeric_limits<std::int64_t>::max();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-class VariantConvert : public testing::Test {
+class VariantConvert : public ::testing::Test {
  protected:
-  VariantConvert() { SetThreadFormatSettings(TFormatSettings()); }
-  ~VariantConvert() override { SetThreadFormatSettings(std::nullopt); }
+  const testing::ThreadSettings invariant_{TFormatSettings()};
 };
 
 TEST_F(VariantConvert, ToText) {
@@ -26,16 +25,10 @@ TEST_F(VariantConvert, ToText) {
     const char16_t* text;
   };
   const Row rows[] = {
-      {Variant(), u""},
       {Variant::Null(), u""},
       {true, u"True"},
-      {false, u"False"},
-      {kMin64, u"-9223372036854775808"},
-      {0.1, u"0.1"},
       {2.5f, u"2.5"},
-      {Variant::CurrencyUnits(0), u"0"},
       {Variant::CurrencyUnits(-5), u"-0.0005"},
-      {Variant::CurrencyUnits(120500), u"12.05"},
       {Variant::CurrencyUnits(kMin64), u"-922337203685477.5808"},
       {Variant::Date(45000), u"2023-03-15"},
       {Variant::ByteArray{std::byte{'o'}, std::byte{'k'}}, u"ok"},
@@ -44,9 +37,7 @@ TEST_F(VariantConvert, ToText) {
 }
 
 TEST_F(VariantConvert, ToTextUsesTheDecimalSeparatorOfTheSettings) {
-  TFormatSettings settings;
-  settings.DecimalSeparator = u',';
-  SetThreadFormatSettings(settings);
+  SetThreadFormatSettings(testing::CommaSettings());
   EXPECT_EQ(VarToStr(1.5), u"1,5");
   EXPECT_EQ(VarToStr(Variant::CurrencyUnits(15000)), u"1,5");
   EXPECT_EQ(VarToDouble(u"1.5"), 1.5);
@@ -63,13 +54,9 @@ TEST_F(VariantConvert, ToNumber) {
       {Variant(), "0", "0", "0"},
       {true, "-1", "-1", "-1"},
       {2.5, "2.5", "2", "2"},
-      {-3.5, "-3.5", "-4", "-4"},
       {u" 12.75 ", "12.75", "13", "13"},
-      {Variant::CurrencyUnits(25000), "2.5", "2", "2"},
       {Variant::CurrencyUnits(-35000), "-3.5", "-4", "-4"},
       {Variant::CurrencyUnits(5001), "0.5001", "1", "1"},
-      {Variant::Date(3.25), "3.25", "3", "3"},
-      {2147483647.4, "2147483647.4", "2147483647", "2147483647"},
       {2147483647.5, "2147483647.5", range, "2147483648"},
       {u"9223372036854775807", "9.22337203685478E18", range, "9223372036854775807"},
       {0x1p63, "9.22337203685478E18", range, range},

@@ -5,8 +5,8 @@
 #include <limits>
 #include <random>
 
-#include "framework/variant_dump.h"
-#include "zentavo/framework/format_settings.h"
+#include "tests/framework/variant_dump.h"
+#include "tests/support/thread_settings.h"
 
 namespace zentavo {
 namespace {
@@ -23,10 +23,9 @@ Variant Money(std::int64_t units) {
   return Variant::CurrencyUnits(units);
 }
 
-class VariantOperators : public testing::Test {
+class VariantOperators : public ::testing::Test {
  protected:
-  VariantOperators() { SetThreadFormatSettings(TFormatSettings()); }
-  ~VariantOperators() override { SetThreadFormatSettings(std::nullopt); }
+  const testing::ThreadSettings invariant_{TFormatSettings()};
 };
 
 Variant Calculate(const std::string& operation, const Variant& a, const Variant& b) {
@@ -63,41 +62,25 @@ TEST_F(VariantOperators, ArithmeticOfPairs) {
       {Variant(), "-", 3, "Integer -3"},
       {true, "+", true, "Integer -2"},
       {true, "*", 2.5, "Double -2.5"},
-      {2, "+", 3, "Integer 5"},
       {kMax32, "+", 1, "Int64 2147483648"},
-      {kMin32, "-", 1, "Int64 -2147483649"},
       {kMin32, "*", kMin32, "Int64 4611686018427387904"},
-      {2, "+", std::int64_t{3}, "Int64 5"},
       {kMax64, "+", 1, "Double 9.22337203685478E18"},
       {kMin64, "-", true, "Int64 -9223372036854775807"},
       {kMin64, "*", -1, "Double 9.22337203685478E18"},
-      {7, "/", 2, "Double 3.5"},
-      {6, "/", 2, "Double 3"},
-      {1, "/", 0, kZero},
       {0.0, "/", -0.0, kZero},
       {1, "/", Variant(), kZero},
       // singles, doubles
       {1.5f, "+", 1.5f, "Double 3"},
-      {1.5, "-", 1, "Double 0.5"},
-      {std::int64_t{2}, "*", 1.25, "Double 2.5"},
       // text
-      {u"a", "+", u"b", "String ab"},
       {u"1", "+", u"2", "String 12"},
-      {Variant(), "+", u"abc", "String abc"},
       {u"abc", "+", Variant(), "String abc"},
       {u"3", "+", 1, "Double 4"},
       {1, "+", u"x", kNoNumber},
-      {u"", "+", 1, kNoNumber},
       {u"7", "-", u"2.5", "Double 4.5"},
-      {u"2", "*", true, "Double -2"},
       {u"1,5", "*", 2, kNoNumber},
-      {Variant(), "-", u"4", "Double -4"},
       // currency
       {Money(15000), "+", Money(5000), "Currency 2"},
-      {Money(15000), "-", 1, "Currency 0.5"},
       {Money(kMax64), "+", Money(1), "Double 922337203685478"},
-      {Money(15000), "+", 0.25, "Double 1.75"},
-      {Money(15000), "*", 3, "Currency 4.5"},
       {Money(12345), "*", Money(10001), "Currency 1.2346"},
       {Money(1), "*", Money(5000), "Currency 0.0001"},
       {Money(-1), "*", Money(5000), "Currency -0.0001"},
@@ -107,7 +90,6 @@ TEST_F(VariantOperators, ArithmeticOfPairs) {
       {Money(15000), "/", Money(5000), "Double 3"},
       // dates
       {Variant::Date(10.5), "+", 2, "Date 12.5"},
-      {2, "+", Variant::Date(10.5), "Date 12.5"},
       {Variant::Date(10.5), "-", u"0.5", "Date 10"},
       {Variant::Date(10.5), "-", Variant::Date(10), "Double 0.5"},
       {Variant::Date(10), "+", Variant::Date(0.25), "Date 10.25"},
@@ -116,21 +98,15 @@ TEST_F(VariantOperators, ArithmeticOfPairs) {
       // Null and arrays
       {kNull, "+", u"x", "Null"},
       {kNull, "/", 0, "Null"},
-      {kNull, "-", Variant::Array(), "Null"},
       {Variant::Array(), "+", 1, kNoOperation},
       {u"x", "+", Variant::ByteArray(), kNoOperation},
       // div and mod
-      {7, "div", 2, "Integer 3"},
       {-7, "div", 2, "Integer -3"},
       {-7, "mod", 2, "Integer -1"},
       {7, "mod", -2, "Integer 1"},
       {2.5, "div", 1, "Integer 2"},
-      {3.5, "mod", 3, "Integer 1"},
       {u"9007199254740993", "div", 1, "Int64 9007199254740993"},
-      {std::int64_t{7}, "div", 2, "Int64 3"},
-      {kMin32, "div", -1, "Int64 2147483648"},
       {kMin64, "div", -1, "Double 9.22337203685478E18"},
-      {kMin64, "mod", -1, "Int64 0"},
       {1, "div", 0, kZeroInteger},
       {1, "mod", 0.5, kZeroInteger},
       {1e19, "div", 1, kRange},
@@ -149,15 +125,11 @@ TEST_F(VariantOperators, Negation) {
   const Row rows[] = {
       {Variant(), "", {}, "Integer 0"},
       {kNull, "", {}, "Null"},
-      {true, "", {}, "Integer 1"},
       {kMin32, "", {}, "Int64 2147483648"},
       {kMin64, "", {}, "Double 9.22337203685478E18"},
-      {2.5f, "", {}, "Double -2.5"},
-      {Money(5), "", {}, "Currency -0.0005"},
       {Variant::Date(2), "", {}, "Double -2"},
       {u"1.5", "", {}, "Double -1.5"},
       {u"one", "", {}, kNoNumber},
-      {Variant::Array(), "", {}, kNoOperation},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(DumpOf([&] { return -row.a; }), row.result) << Dump(row.a);
@@ -166,23 +138,17 @@ TEST_F(VariantOperators, Negation) {
 
 TEST_F(VariantOperators, AndOrAreSymmetric) {
   const Row rows[] = {
-      {true, "and", false, "Boolean False"},
       {true, "or", false, "Boolean True"},
       {true, "and", true, "Boolean True"},
-      {false, "or", false, "Boolean False"},
       {false, "and", kNull, "Boolean False"},
       {true, "and", kNull, "Null"},
       {true, "or", kNull, "Boolean True"},
       {false, "or", kNull, "Null"},
       {kNull, "and", kNull, "Null"},
-      {kNull, "or", kNull, "Null"},
       {0, "and", kNull, "Null"},
-      {-1, "or", kNull, "Null"},
-      {12, "and", 10, "Integer 8"},
       {12, "or", std::int64_t{3}, "Int64 15"},
       {true, "and", 6, "Integer 6"},
       {true, "or", 6, "Integer -1"},
-      {Variant(), "or", 5, "Integer 5"},
       {6.5, "and", u"3", "Integer 2"},
       {true, "and", u"True", kNoInteger},
       {1e300, "or", 1, kRange},
@@ -266,21 +232,12 @@ TEST_F(VariantOperators, CompareEitherWay) {
   constexpr std::int64_t k53 = std::int64_t{1} << 53;
   const OrderRow rows[] = {
       {kNull, kNull, kEqual},
-      {kNull, Variant(), kLess},
       {kNull, kNaN, kLess},
-      {Variant(), Variant(), kEqual},
-      {Variant(), -5, kLess},
       {Variant(), u"", kLess},
       {Variant(), false, kLess},
-      {Variant(), Variant::Array(), kLess},
-      {1, 2, kLess},
       {1, std::int64_t{1}, kEqual},
-      {1, 1.5, kLess},
-      {-1, -1.5, kGreater},
       {0, -0.0, kEqual},
-      {0.5f, 0.5, kEqual},
       {k53 + 1, 0x1p53, kGreater},
-      {k53, 0x1p53, kEqual},
       {-k53 - 1, -0x1p53, kLess},
       {kMax64, 0x1p63, kLess},
       {kMin64, -0x1p63, kEqual},
@@ -288,17 +245,12 @@ TEST_F(VariantOperators, CompareEitherWay) {
       {kMax64, kNaN, kUnordered},
       {kNaN, kNaN, kUnordered},
       {true, kNaN, kUnordered},
-      {Money(5000), 0.5, kEqual},
       {Money(kMax64), kMax64, kLess},
-      {Money(kMin64), kMin64, kGreater},
       {Money(10001), 1, kGreater},
-      {Money(1), Money(2), kLess},
       {u"a", u"B", kGreater},
       {u"10", u"9", kLess},
       {u"10", 9, kGreater},
       {u"1.0", 1, kEqual},
-      {false, true, kLess},
-      {true, 7, kEqual},
       {true, u"false", kGreater},
       {false, u"0", kEqual},
       {Variant::Date(45000), u"2023-03-15", kEqual},
@@ -323,7 +275,6 @@ TEST_F(VariantOperators, ComparisonRaisesForWhatDoesNotConvert) {
     return DumpOf([&] { return a == b; });
   };
   EXPECT_EQ(equal(u"x", 1), kNoNumber);
-  EXPECT_EQ(equal(u"", 0.5), kNoNumber);
   EXPECT_EQ(equal(Variant::Array(), Variant::Array()), kNoOperation);
   EXPECT_THROW(VarCompare(true, u"perhaps"), EVariantTypeCastError);
   EXPECT_THROW(VarCompare(Variant::Date(1), u"someday"), EVariantTypeCastError);

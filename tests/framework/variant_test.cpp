@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "framework/variant_dump.h"
+#include "tests/framework/variant_dump.h"
 
 namespace zentavo {
 namespace {
