@@ -15,23 +15,12 @@ TEST(CodePages, ConvertBothWays) {
   constexpr Row kRows[] = {
       {1253, u"Αθήνα €", "\xC1\xE8\xDE\xED\xE1 \x80"},
       {1252, u"Ünï", "\xDCn\xEF"},
-      {1251, u"Жд", "\xC6\xE4"},
-      {1250, u"Łż", "\xA3\xBF"},
       {737, u"Αω", "\x80\xE0"},
-      {869, u"Αω", "\xA4\xFA"},
-      {437, u"éß", "\x82\xE1"},
-      {850, u"é×", "\x82\x9E"},
-      {866, u"Я", "\x9F"},
       {28597, u"Ωώ", "\xD9\xFE"},
-      {20866, u"Я", "\xF1"},
       {932, u"a日", "a\x93\xFA"},
-      {936, u"中", "\xD6\xD0"},
-      {949, u"한", "\xC7\xD1"},
-      {950, u"中", "\xA4\xA4"},
       {65000, u"aΩ", "a+A6k-"},
       {65001, u"aΩ€\U0001F600", "a\xCE\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
       {1253, u"", ""},
-      {65001, u"", ""},
   };
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.code_page);
@@ -43,21 +32,10 @@ TEST(CodePages, ConvertBothWays) {
 
 TEST(CodePages, ReplaceWhatHasNoCounterpart) {
   constexpr Row kRows[] = {
-      {1253, u"a日Ω", "a?\xD9"},
-      {1253, u"éĀ", "??"},            // no best fit
-      {1253, u"\u200D\u2028", "??"},  // nothing is dropped
-      {1253, u"\U0001F600.", "??."},  // one for each unit
-      {1253,
-       u"a\xD800"
-       u"b",
-       "a?b"},
-      {932, u"日ß日", "\x93\xFA?\x93\xFA"},
-      {65001, u"a\xD800", "a\xEF\xBF\xBD"},
-      {65001,
-       u"\xDC00"
-       u"b",
-       "\xEF\xBF\xBD"
-       "b"},
+      {1253, u"a日Ω", "a?\xD9"},     {1253, u"éĀ", "??"},  // no best fit
+      {1253, u"\u200D\u2028", "??"},                       // nothing is dropped
+      {1253, u"\U0001F600.", "??."},                       // one for each unit
+      {1253, u"\xD800.", "?."},      {65001, u"\xDC00.", "\xEF\xBF\xBD."},
   };
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.code_page);
@@ -69,9 +47,7 @@ TEST(CodePages, ReplaceInvalidBytes) {
   constexpr Row kRows[] = {
       {1253, u"Α\uFFFDΒ", "\xC1\xD2\xC2"},
       {932, u"a\uFFFD", "a\x81"},  // a character cut in two
-      {65001, u"a\uFFFDb",
-       "a\xFF"
-       "b"},
+      {65001, u"\uFFFD.", "\xFF."},
       {65001, u"\uFFFD", "\xE2\x82"},
   };
   for (const Row& row : kRows) {

