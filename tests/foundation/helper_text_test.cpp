@@ -9,8 +9,7 @@
 namespace zentavo {
 namespace {
 
-TEST(StartsWith, IgnoresCaseForTextsOnly) {
-  EXPECT_TRUE(StartsWith(u"Hello", u"he"));
+TEST(StartsWith, AndEndsWithIgnoreCaseForTextsOnly) {
   EXPECT_TRUE(StartsWith(u"Ωμέγα", u"ωΜ"));
   EXPECT_TRUE(StartsWith(u"a", u""));
   EXPECT_FALSE(StartsWith(u"he", u"Hello"));
@@ -18,31 +17,21 @@ TEST(StartsWith, IgnoresCaseForTextsOnly) {
   EXPECT_TRUE(StartsWith(u"Hello", u'H'));
   EXPECT_FALSE(StartsWith(u"", u'H'));
   EXPECT_TRUE(StartsWith(u"Hello", {u"x", u"HEL"}));
-  EXPECT_FALSE(StartsWith(u"Hello", {u"x", u"y"}));
-}
-
-TEST(EndsWith, IgnoresCase) {
   EXPECT_FALSE(EndsWith(u"a", u"ba"));
   EXPECT_TRUE(EndsWith(u"file.TXT", u".txt"));
-  EXPECT_FALSE(EndsWith(u"file.txt", u".doc"));
 }
 
 TEST(SearchInDelimStr, MatchesTheBeginningOfAnElement) {
-  struct Row {
-    const char16_t* item;
-    const char16_t* list;
-    bool found;
-  };
-  for (const Row& row :
-       {Row{u"AB", u"ABC;X", true}, Row{u"x", u"ABC;X", true}, Row{u"BC", u"ABC;X", false},
-        Row{u"", u"ABC", false}, Row{u"a", u"a", false}, Row{u"abc", u"ab", false},
-        Row{u"b", u"a;;b", true}, Row{u"B;C", u"a;b;c", true}}) {
-    EXPECT_EQ(SearchInDelimStr(row.item, row.list), row.found) << ToUtf8(row.item);
-  }
+  const auto search = SearchInDelimStr;
+  EXPECT_TRUE(search(u"AB", u"ABC;X") && search(u"x", u"ABC;X") && search(u"b", u"a;;b"));
+  EXPECT_TRUE(search(u"B;C", u"a;b;c"));
+  EXPECT_FALSE(search(u"BC", u"ABC;X"));
+  EXPECT_FALSE(search(u"", u"ABC"));
+  EXPECT_FALSE(search(u"a", u"a"));
+  EXPECT_FALSE(search(u"abc", u"ab"));
 }
 
 TEST(Parts, SplitAtTheDelimiter) {
-  EXPECT_EQ(FirstPart(u"abc", u'/'), u"abc");
   EXPECT_EQ(FirstPart(u"a/b/c", u'/'), u"a");
   EXPECT_EQ(LastPart(u"abc", u'/'), u"");
   EXPECT_EQ(LastPart(u"a/b/c", u'/'), u"c");
@@ -51,11 +40,9 @@ TEST(Parts, SplitAtTheDelimiter) {
 }
 
 TEST(PosNoCase, ComparesLowBytesAndHeedsCase) {
-  EXPECT_EQ(PosNoCase(u"b", u"abab"), 2);
   EXPECT_EQ(PosNoCase(u"b", u"abab", 3), 4);
   EXPECT_EQ(PosNoCase(u"B", u"abab"), 0);
   EXPECT_EQ(PosNoCase(u"\x0361", u"xxa"), 3);  // the low byte of 'a'
-  EXPECT_EQ(PosNoCase(u"a", u""), 0);
   EXPECT_EQ(PosNoCase(u"a", u"a", 0), 0);
   EXPECT_EQ(PosNoCase(u"", u"abc", 9), 9);
   EXPECT_EQ(PosNoCase(u"a", u"abc", 9), 0);
@@ -63,7 +50,6 @@ TEST(PosNoCase, ComparesLowBytesAndHeedsCase) {
 
 TEST(RemoveCR, MakesOneBlankOfARun) {
   EXPECT_EQ(RemoveCR(u"a\r\n\tb"), u"a b");
-  EXPECT_EQ(RemoveCR(u" a"), u" a");
   EXPECT_EQ(RemoveCR(StringView(u"\0\x01", 2)), StringView(u"\0 ", 2));
 }
 
@@ -97,7 +83,6 @@ TEST(SafeDiv, GivesZeroForZeroDivisors) {
   EXPECT_EQ(SafeDiv(std::numeric_limits<std::int32_t>::min(), -1),
             std::numeric_limits<std::int32_t>::min());
   EXPECT_EQ(SafeDiv(1.0, 0.0), 0);
-  EXPECT_EQ(SafeDiv(1.0, 4.0), 0.25);
 }
 
 }  // namespace

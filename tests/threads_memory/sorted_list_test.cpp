@@ -5,7 +5,7 @@
 #include <array>
 #include <random>
 
-#include "zentavo/framework/exception.h"
+#include "tests/support/error_of.h"
 
 namespace zentavo {
 namespace {
@@ -82,12 +82,7 @@ TEST(TList, ChecksItsIndices) {
   EXPECT_EQ(list[0], &one);
   EXPECT_THROW(list.Items(-1), EListError);
   EXPECT_THROW(list.Insert(3, &one), EListError);
-  try {
-    list.Delete(2);
-    ADD_FAILURE();
-  } catch (const EListError& error) {
-    EXPECT_EQ(error.Message(), u"List index out of bounds (2)");
-  }
+  EXPECT_EQ(testing::ErrorOf<EListError>([&] { list.Delete(2); }), "List index out of bounds (2)");
 }
 
 }  // namespace

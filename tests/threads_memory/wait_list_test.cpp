@@ -22,13 +22,11 @@ TEST(TWaitList, GivesNullWhileAnotherThreadHoldsIt) {
   ASSERT_NE(held, nullptr);
   EXPECT_EQ(list.LockList(0), held);
   const auto other = [&](std::int32_t timeout) {
-    return std::async(std::launch::async,
-                      [&, timeout] {
-                        TList* const got = list.LockList(timeout);
-                        if (got != nullptr) list.UnLockList();
-                        return got;
-                      })
-        .get();
+    return testing::OnAnotherThread([&] {
+      TList* const got = list.LockList(timeout);
+      if (got != nullptr) list.UnLockList();
+      return got;
+    });
   };
   EXPECT_EQ(other(0), nullptr);
   list.UnLockList();
