@@ -31,17 +31,13 @@ TEST(TByteStrings, CapacityGrowsByFourSixteenThenAQuarter) {
 }
 
 TEST(TByteStrings, TextBreaksAtEachKindOfLineEnd) {
-  const struct {
+  struct Row {
     AnsiString text;
     std::vector<AnsiString> lines;
-  } rows[] = {
-      {"", {}},
-      {"a\r\nb\rc\n", {"a", "b", "c"}},
-      {"\r\n", {""}},
-      {"a\r\r\n\nb", {"a", "", "", "b"}},
-      {"\xCE\xB1\r\nbad \xFF", {"\xCE\xB1", "bad \xEF\xBF\xBD"}},
   };
-  for (const auto& row : rows) {
+  for (const Row& row : {Row{"", {}}, Row{"a\r\nb\rc\n", {"a", "b", "c"}}, Row{"\r\n", {""}},
+                         Row{"a\r\r\n\nb", {"a", "", "", "b"}},
+                         Row{"\xCE\xB1\r\nbad \xFF", {"\xCE\xB1", "bad \xEF\xBF\xBD"}}}) {
     TByteStrings list;
     list.SetText(row.text);
 #ifdef _WIN32  // the system code page decides about bytes beyond ASCII

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/error_of.h"
+#include "tests/support/sides.h"
 #include "tests/support/thread_settings.h"
 
 namespace zentavo {
@@ -96,40 +97,19 @@ TEST(DecodeDate, GivesZerosOutOfRange) {
   }
 }
 
-TEST(Now, IsDateAndTime) {
-  const TDateTime before = Date();
-  const DayAndTime now = SplitDateTime(Now());
-  EXPECT_GE(static_cast<double>(now.day), before);
-  EXPECT_LE(static_cast<double>(now.day), Date());
-  EXPECT_LT(Time(), 1);
-}
-
 TEST(FormatDateTime, WritesByPattern) {
   const TDateTime value = At(2024, 3, 5, 14, 7, 9, 42);
-  const struct {
-    const char16_t* pattern;
-    const char* text;
-  } rows[] = {
-      {u"d dd ddd dddd", "5 05 Tue Tuesday"},
-      {u"m mm mmm mmmm", "3 03 Mar March"},
-      {u"y yy yyy yyyy yyyyyy", "24 24 2024 2024 2024"},
-      {u"h hh n nn s ss z zzz", "14 14 7 07 9 09 42 042"},
-      {u"YYYY-MM-DD HH:MM:SS", "2024-03-05 14:07:09"},
-      {u"hhmm mm", "1407 03"},
-      {u"h A/P", "2 P"},
-      {u"hAMPM", "2PM"},
-      {u"h 'am/pm'", "14 am/pm"},
-      {u"'day 'd\" of m \"m", "day 5 of m 3"},
-      {u"'open d", "open d"},
-      {u"ddddd", "2024-03-05"},
-      {u"dddddd", "Tuesday, 5 March 2024"},
-      {u"t|tt", "14:07|14:07:09"},
-      {u"c", "2024-03-05 14:07:09"},
-      {u"Q1 abu", "Q1 abu"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(ToUtf8(FormatDateTime(row.pattern, value, TFormatSettings())), row.text)
-        << ToUtf8(row.pattern);
+  for (const StringView row :
+       {u"d dd ddd dddd -> 5 05 Tue Tuesday", u"m mm mmm mmmm -> 3 03 Mar March",
+        u"y yy yyy yyyy yyyyyy -> 24 24 2024 2024 2024",
+        u"h hh n nn s ss z zzz -> 14 14 7 07 9 09 42 042",
+        u"YYYY-MM-DD HH:MM:SS -> 2024-03-05 14:07:09", u"hhmm mm -> 1407 03", u"h A/P -> 2 P",
+        u"hAMPM -> 2PM", u"h 'am/pm' -> 14 am/pm", u"'day 'd\" of m \"m -> day 5 of m 3",
+        u"'open d -> open d", u"ddddd -> 2024-03-05", u"dddddd -> Tuesday, 5 March 2024",
+        u"t|tt -> 14:07|14:07:09", u"c -> 2024-03-05 14:07:09", u" -> 2024-03-05 14:07:09",
+        u"Q1 abu -> Q1 abu"}) {
+    const auto [pattern, text] = testing::Sides(row);
+    EXPECT_EQ(ToUtf8(FormatDateTime(pattern, value, {})), ToUtf8(text)) << ToUtf8(pattern);
   }
 }
 
@@ -158,24 +138,22 @@ int ThisYear() {
 }
 
 TEST(StrToDate, FollowsTheOrderOfTheFormat) {
-  const struct {
+  struct Row {
     const char16_t* format;
     char16_t separator;
     const char16_t* text;
     TDateTime value;
-  } rows[] = {
-      {u"dd/mm/yyyy", u'/', u" 31/12/2020 ", At(2020, 12, 31)},
-      {u"d/m/yyyy", u'/', u"1 / 2 / 2020", At(2020, 2, 1)},
-      {u"yyyy-mm-dd", u'-', u"0999-01-02", At(999, 1, 2)},
-      {u"d. m. yyyy.", u'.', u"3. 4. 2020.", At(2020, 4, 3)},
-      {u"d.m.yyyy 'г.'", u'.', u"3.4.2020 г.", At(2020, 4, 3)},
-      {u"dd-mmm-yyyy", u'-', u"05-Jul-2020", At(2020, 7, 5)},
-      {u"dd-mmm-yyyy", u'-', u"5-JULY-2020", At(2020, 7, 5)},
-      {u"d mmmm yyyy", u'/', u"5 May 2020", At(2020, 5, 5)},
-      {u"yyyy/mmm/dd", u'/', u"mar/9", At(ThisYear(), 3, 9)},
-      {u"dd/mm/yyyy", u'/', u"9/3", At(ThisYear(), 3, 9)},
   };
-  for (const auto& row : rows) {
+  for (const Row& row : {Row{u"dd/mm/yyyy", u'/', u" 31/12/2020 ", At(2020, 12, 31)},
+                         Row{u"d/m/yyyy", u'/', u"1 / 2 / 2020", At(2020, 2, 1)},
+                         Row{u"yyyy-mm-dd", u'-', u"0999-01-02", At(999, 1, 2)},
+                         Row{u"d. m. yyyy.", u'.', u"3. 4. 2020.", At(2020, 4, 3)},
+                         Row{u"d.m.yyyy 'г.'", u'.', u"3.4.2020 г.", At(2020, 4, 3)},
+                         Row{u"dd-mmm-yyyy", u'-', u"05-Jul-2020", At(2020, 7, 5)},
+                         Row{u"dd-mmm-yyyy", u'-', u"5-JULY-2020", At(2020, 7, 5)},
+                         Row{u"d mmmm yyyy", u'/', u"5 May 2020", At(2020, 5, 5)},
+                         Row{u"yyyy/mmm/dd", u'/', u"mar/9", At(ThisYear(), 3, 9)},
+                         Row{u"dd/mm/yyyy", u'/', u"9/3", At(ThisYear(), 3, 9)}}) {
     TFormatSettings settings;
     settings.ShortDateFormat = row.format;
     settings.DateSeparator = row.separator;

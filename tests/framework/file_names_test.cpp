@@ -13,14 +13,10 @@ TEST(FileNames, FallApartIntoPathNameAndExtension) {
   struct Row {
     StringView name, path, file, extension, changed;
   };
-  constexpr Row kRows[] = {
-      {u"/a/b.c/d.e.txt", u"/a/b.c/", u"d.e.txt", u".txt", u"/a/b.c/d.e.x"},
-      {u"name", u"", u"name", u"", u"name.x"},
-      {u".profile", u"", u".profile", u".profile", u".x"},
-      {u"a/", u"a/", u"", u"", u"a/.x"},
-      {u"", u"", u"", u"", u".x"},
-  };
-  for (const Row& row : kRows) {
+  for (const Row& row : {Row{u"/a/b.c/d.e.txt", u"/a/b.c/", u"d.e.txt", u".txt", u"/a/b.c/d.e.x"},
+                         Row{u"name", u"", u"name", u"", u"name.x"},
+                         Row{u".profile", u"", u".profile", u".profile", u".x"},
+                         Row{u"a/", u"a/", u"", u"", u"a/.x"}, Row{u"", u"", u"", u"", u".x"}}) {
     EXPECT_EQ(ExtractFilePath(row.name), row.path);
     EXPECT_EQ(ExtractFileName(row.name), row.file);
     EXPECT_EQ(ExtractFileExt(row.name), row.extension);

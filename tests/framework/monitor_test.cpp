@@ -19,17 +19,6 @@ bool EntersAndLeaves(TMonitor& monitor, std::int32_t timeout_ms) {
   return entered;
 }
 
-TEST(TMonitor, OwnerEntersAgainAndLeavesAsOften) {
-  TMonitor monitor;
-  EXPECT_TRUE(monitor.Enter());
-  EXPECT_TRUE(monitor.Enter(0));
-  EXPECT_FALSE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 0); }));
-  monitor.Exit();
-  EXPECT_FALSE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 1); }));
-  monitor.Exit();
-  EXPECT_TRUE(OnAnotherThread([&] { return EntersAndLeaves(monitor, 0); }));
-}
-
 TEST(TMonitor, OnlyTheOwnerLeaves) {
   TMonitor monitor;
   EXPECT_THROW(monitor.Exit(), Exception);

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "tests/support/error_of.h"
+#include "tests/support/sides.h"
 #include "tests/support/thread_settings.h"
 
 namespace zentavo {
@@ -44,24 +45,16 @@ TEST(IntToHex, FillsWithZeros) {
 }
 
 TEST(FloatToStr, WritesAtMostFifteenDigits) {
-  const struct {
+  struct Row {
     double value;
     const char* text;
-  } rows[] = {
-      {0, "0"},
-      {-0.0, "0"},
-      {2.0 / 3, "0.666666666666667"},
-      {1e15, "1E15"},
-      {-1234567890123456, "-1.23456789012346E15"},
-      {999999999999999.9, "1E15"},
-      {0.00001, "0.00001"},
-      {0.00000999, "9.99E-6"},
-      {0.0000099999999999999999, "0.00001"},
-      {1.7976931348623157e308, "1.79769313486232E308"},
-      {kInfinity, "INF"},
-      {std::numeric_limits<double>::quiet_NaN(), "NAN"},
   };
-  for (const auto& row : rows) {
+  for (const Row& row : {Row{0, "0"}, Row{-0.0, "0"}, Row{2.0 / 3, "0.666666666666667"},
+                         Row{1e15, "1E15"}, Row{-1234567890123456, "-1.23456789012346E15"},
+                         Row{999999999999999.9, "1E15"}, Row{0.00001, "0.00001"},
+                         Row{0.00000999, "9.99E-6"}, Row{0.0000099999999999999999, "0.00001"},
+                         Row{1.7976931348623157e308, "1.79769313486232E308"}, Row{kInfinity, "INF"},
+                         Row{std::numeric_limits<double>::quiet_NaN(), "NAN"}}) {
     EXPECT_EQ(ToUtf8(FloatToStr(row.value, TFormatSettings())), row.text);
     AnsiString bytes;
     AppendFloat(bytes, row.value);
@@ -123,76 +116,66 @@ TEST(FloatToStr, EqualsThePlainWay) {
 }
 
 TEST(FloatToFixed, RoundsHalvesAwayFromZero) {
-  const struct {
+  struct Row {
     double value;
     int decimals;
     Grouping grouping;
     const char* text;
-  } rows[] = {
-      {2.675, 2, Grouping::kNone, "2.68"},
-      {-0.004, 2, Grouping::kNone, "0.00"},
-      {999.995, 2, Grouping::kThousands, "1,000.00"},
-      {-1234567.891, 1, Grouping::kThousands, "-1,234,567.9"},
-      {1e21, 0, Grouping::kNone, "1000000000000000000000"},
-      {0.1, 99, Grouping::kNone, "0.100000000000000000"},
-      {0.6, -3, Grouping::kNone, "1"},
-      {-kInfinity, 2, Grouping::kNone, "-INF"},
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{2.675, 2, Grouping::kNone, "2.68"}, Row{-0.004, 2, Grouping::kNone, "0.00"},
+        Row{999.995, 2, Grouping::kThousands, "1,000.00"},
+        Row{-1234567.891, 1, Grouping::kThousands, "-1,234,567.9"},
+        Row{1e21, 0, Grouping::kNone, "1000000000000000000000"},
+        Row{0.1, 99, Grouping::kNone, "0.100000000000000000"}, Row{0.6, -3, Grouping::kNone, "1"},
+        Row{-kInfinity, 2, Grouping::kNone, "-INF"}}) {
     EXPECT_EQ(ToUtf8(FloatToFixed(row.value, row.decimals, row.grouping, u'.', u',')), row.text);
   }
 }
 
 TEST(FormatFloat, WritesByPattern) {
-  const struct {
-    const char16_t* pattern;
-    double value;
-    const char* text;
-  } rows[] = {
-      {u"", 1.5, "1.5"},
-      {u"0.##", 5.5, "5.5"},
-      {u"#.##", 0.5, ".5"},
-      {u"#.##", 0, ""},
-      {u"#,##0.00", 1234567.005, "1,234,567.01"},
-      {u",0", -1234567, "-1,234,567"},
-      {u"#,###", 999.5, "1,000"},
-      {u"0,000", 7, "0,007"},
-      {u"(###) ###-####", 5551234567, "(555) 123-4567"},
-      {u"#0#", 5, "05"},
-      {u"0.0#0#", 1.5, "1.500"},
-      {u"'#'0 \"0.0\" kg", 3, "#3 0.0 kg"},
-      {u"0;(0);nil", 0, "nil"},
-      {u"0.0;(0.0);nil", -0.04, "nil"},
-      {u"0.0;;nil", -2, "-2.0"},
-      {u";(0)", 2.25, "2.25"},
-      {u"0;';';x", -3, ";"},
-      {u"text", -3, "-text"},
-      {u"0.00E+00", 0.00012345, "1.23E-04"},
-      {u"00.0E+0", 12345, "12.3E+3"},
-      {u"0.0E+0", 9.96, "1.0E+1"},
-      {u"#.#E-0", -5e-7, "-5E-7"},
-      {u"0E", 5, "5E"},
-      {u"0.0", kInfinity, "INF"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(ToUtf8(FormatFloat(row.pattern, row.value, TFormatSettings())), row.text)
-        << ToUtf8(row.pattern) << " of " << row.value;
+  const TFormatSettings settings;
+  for (const StringView row : {u"5.5 0.## -> 5.5",
+                               u"0.5 #.## -> .5",
+                               u"0 #.## -> ",
+                               u"1234567.005 #,##0.00 -> 1,234,567.01",
+                               u"-1234567 ,0 -> -1,234,567",
+                               u"999.5 #,### -> 1,000",
+                               u"7 0,000 -> 0,007",
+                               u"5551234567 (###) ###-#### -> (555) 123-4567",
+                               u"5 #0# -> 05",
+                               u"1.5 0.0#0# -> 1.500",
+                               u"3 '#'0 \"0.0\" kg -> #3 0.0 kg",
+                               u"0 0;(0);nil -> nil",
+                               u"-0.04 0.0;(0.0);nil -> nil",
+                               u"-2 0.0;;nil -> -2.0",
+                               u"2.25 ;(0) -> 2.25",
+                               u"-3 0;';';x -> ;",
+                               u"-3 text -> -text",
+                               u"0.00012345 0.00E+00 -> 1.23E-04",
+                               u"12345 00.0E+0 -> 12.3E+3",
+                               u"9.96 0.0E+0 -> 1.0E+1",
+                               u"-5e-7 #.#E-0 -> -5E-7",
+                               u"5 0E -> 5E",
+                               u"1.5  -> 1.5"}) {
+    const auto [given, text] = testing::Sides(row);
+    const std::size_t blank = given.find(u' ');
+    const double value = StrToFloat(given.substr(0, blank), settings);
+    EXPECT_EQ(ToUtf8(FormatFloat(given.substr(blank + 1), value, settings)), ToUtf8(text))
+        << ToUtf8(given);
   }
+  EXPECT_EQ(FormatFloat(u"0.0", kInfinity, settings), u"INF");
 }
 
 TEST(StrToInt, ReadsDecimalAndHexadecimal) {
-  const struct {
+  struct Row {
     const char16_t* text;
     std::int64_t value;
-  } rows[] = {
-      {u" \t+17", 17},
-      {u"9223372036854775807", 9223372036854775807LL},
-      {u"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-      {u"$fF", 255},
-      {u"-0x10", -16},
-      {u"X7", 7},
   };
-  for (const auto& row : rows) EXPECT_EQ(TryStrToInt64(row.text), row.value) << ToUtf8(row.text);
+  for (const Row& row : {Row{u" \t+17", 17}, Row{u"9223372036854775807", 9223372036854775807LL},
+                         Row{u"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+                         Row{u"$fF", 255}, Row{u"-0x10", -16}, Row{u"X7", 7}})
+    EXPECT_EQ(TryStrToInt64(row.text), row.value) << ToUtf8(row.text);
   for (const char16_t* text :
        {u"9223372036854775808", u"$8000000000000000", u"99999999999999999999999", u"", u"-", u"$",
         u"0x", u"- 1", u"+-1", u"1 ", u"1.0", u"1A", u"$G"}) {
@@ -217,23 +200,17 @@ TEST(StrToInt, NamesTheText) {
 }
 
 TEST(StrToFloat, ReadsTheNearestDouble) {
-  const struct {
+  struct Row {
     const char16_t* text;
     double value;
-  } rows[] = {
-      {u" +12.5\t", 12.5},
-      {u".5", 0.5},
-      {u"-.5e1", -5},
-      {u"1E3", 1000},
-      {u"007.250", 7.25},
-      {u"9007199254740993", 9007199254740992.0},
-      {u"9007199254740993.0000000000000000000000000001", 9007199254740994.0},
-      {u"1.7976931348623158e308", 1.7976931348623157e308},
-      {u"2.2250738585072011e-308", 2.2250738585072011e-308},
-      {u"2e-324", 0},
-      {u"-1e-99999999999999999999", 0},
   };
-  for (const auto& row : rows)
+  for (const Row& row :
+       {Row{u" +12.5\t", 12.5}, Row{u".5", 0.5}, Row{u"-.5e1", -5}, Row{u"1E3", 1000},
+        Row{u"007.250", 7.25}, Row{u"9007199254740993", 9007199254740992.0},
+        Row{u"9007199254740993.0000000000000000000000000001", 9007199254740994.0},
+        Row{u"1.7976931348623158e308", 1.7976931348623157e308},
+        Row{u"2.2250738585072011e-308", 2.2250738585072011e-308}, Row{u"2e-324", 0},
+        Row{u"-1e-99999999999999999999", 0}})
     EXPECT_EQ(TryStrToFloat(row.text, u'.'), row.value) << ToUtf8(row.text);
   EXPECT_FALSE(std::signbit(*TryStrToFloat(u"-0", u'.')));
 }

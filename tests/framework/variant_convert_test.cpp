@@ -24,16 +24,12 @@ TEST_F(VariantConvert, ToText) {
     Variant value;
     const char16_t* text;
   };
-  const Row rows[] = {
-      {Variant::Null(), u""},
-      {true, u"True"},
-      {2.5f, u"2.5"},
-      {Variant::CurrencyUnits(-5), u"-0.0005"},
-      {Variant::CurrencyUnits(kMin64), u"-922337203685477.5808"},
-      {Variant::Date(45000), u"2023-03-15"},
-      {Variant::ByteArray{std::byte{'o'}, std::byte{'k'}}, u"ok"},
-  };
-  for (const Row& row : rows) EXPECT_EQ(VarToStr(row.value), row.text);
+  for (const Row& row : {Row{Variant::Null(), u""}, Row{true, u"True"}, Row{2.5f, u"2.5"},
+                         Row{Variant::CurrencyUnits(-5), u"-0.0005"},
+                         Row{Variant::CurrencyUnits(kMin64), u"-922337203685477.5808"},
+                         Row{Variant::Date(45000), u"2023-03-15"},
+                         Row{Variant::ByteArray{std::byte{'o'}, std::byte{'k'}}, u"ok"}})
+    EXPECT_EQ(VarToStr(row.value), row.text);
 }
 
 TEST_F(VariantConvert, ToTextUsesTheDecimalSeparatorOfTheSettings) {

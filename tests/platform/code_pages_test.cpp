@@ -12,17 +12,12 @@ struct Row {
 };
 
 TEST(CodePages, ConvertBothWays) {
-  constexpr Row kRows[] = {
-      {1253, u"Αθήνα €", "\xC1\xE8\xDE\xED\xE1 \x80"},
-      {1252, u"Ünï", "\xDCn\xEF"},
-      {737, u"Αω", "\x80\xE0"},
-      {28597, u"Ωώ", "\xD9\xFE"},
-      {932, u"a日", "a\x93\xFA"},
-      {65000, u"aΩ", "a+A6k-"},
-      {65001, u"aΩ€\U0001F600", "a\xCE\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
-      {1253, u"", ""},
-  };
-  for (const Row& row : kRows) {
+  for (const Row& row :
+       {Row{1253, u"Αθήνα €", "\xC1\xE8\xDE\xED\xE1 \x80"}, Row{1252, u"Ünï", "\xDCn\xEF"},
+        Row{737, u"Αω", "\x80\xE0"}, Row{28597, u"Ωώ", "\xD9\xFE"}, Row{932, u"a日", "a\x93\xFA"},
+        Row{65000, u"aΩ", "a+A6k-"},
+        Row{65001, u"aΩ€\U0001F600", "a\xCE\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        Row{1253, u"", ""}}) {
     SCOPED_TRACE(row.code_page);
     EXPECT_TRUE(CodePageKnown(row.code_page));
     EXPECT_EQ(EncodeCodePage(row.text, row.code_page), row.bytes);

@@ -39,14 +39,12 @@ std::string ReadAll(std::u16string_view path) {
 }
 
 TEST(File, CreationModes) {
-  constexpr struct {
+  struct Row {
     FileCreation creation;
     const char *over_old, *over_nothing;
-  } kRows[] = {{kOpenExisting, "old", "(refused)"},
-               {kCreateOrTruncate, "", ""},
-               {kOpenOrCreate, "old", ""},
-               {kCreateNew, "(refused)", ""}};
-  for (const auto& row : kRows) {
+  };
+  for (const Row& row : {Row{kOpenExisting, "old", "(refused)"}, Row{kCreateOrTruncate, "", ""},
+                         Row{kOpenOrCreate, "old", ""}, Row{kCreateNew, "(refused)", ""}}) {
     for (const bool exists : {true, false}) {
       const TemporaryFolder folder;
       const std::u16string path = folder / u"f";
@@ -82,7 +80,8 @@ TEST(File, SharingKeepsOpenersApart) {
   WriteAll(path, "x");
   for (const auto& row : kRows) {
     SCOPED_TRACE(&row - kRows);
-    File first, second;
+    File first;
+    File second;
     ASSERT_EQ(first.Open(path, row.first, row.first_sharing, kOpenExisting), 0U);
     EXPECT_EQ(second.Open(path, row.second, row.second_sharing, kOpenExisting) == 0, row.opens);
   }
@@ -92,7 +91,8 @@ TEST(File, RefusedCreationKeepsTheContent) {
   const TemporaryFolder folder;
   const std::u16string path = folder / u"f";
   WriteAll(path, "kept");
-  File holder, second;
+  File holder;
+  File second;
   ASSERT_EQ(holder.Open(path, kRead, FileSharing::kRead, kOpenExisting), 0U);
   EXPECT_NE(second.Open(path, kWrite, FileSharing::kNone, kCreateOrTruncate), 0U);
   EXPECT_EQ(ReadAll(path), "kept");

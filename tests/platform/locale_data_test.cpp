@@ -6,7 +6,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace zentavo::platform {
 namespace {

@@ -9,16 +9,13 @@
 #include <string>
 #include <vector>
 
-#ifdef _WIN32
-#include <windows.h>
-
-#include <shellapi.h>
-#else
+#ifndef _WIN32
 #include <sys/wait.h>
 #endif
 
 #include "support/temporary_folder.h"
 #include "zentavo/platform/code_pages.h"
+#include "zentavo/platform/console.h"
 #include "zentavo/platform/files.h"
 
 namespace zentavo::platform {
@@ -28,19 +25,11 @@ using testing::TemporaryFolder;
 
 // The arguments of this program behind "--", in UTF-8.
 std::vector<std::string> OwnArguments() {
-#ifdef _WIN32
-  int count = 0;
-  wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
-  std::vector<std::string> all;
-  for (int i = 0; i < count; ++i) {
-    const std::wstring_view argument = wide[i];
-    const std::u16string text(argument.begin(), argument.end());
-    all.push_back(*EncodeCodePage(text, kCodePageUtf8));
-  }
-  LocalFree(wide);
-#else
-  const std::vector<std::string> all = ::testing::internal::GetArgvs();
-#endif
+  const std::vector<std::string> given = ::testing::internal::GetArgvs();
+  std::vector<const char*> pointers;
+  for (const std::string& argument : given) pointers.push_back(argument.c_str());
+  const std::vector<std::string> all =
+      ProgramArguments(static_cast<int>(pointers.size()), pointers.data());
   const auto mark = std::find(all.begin(), all.end(), "--");
   return {mark == all.end() ? mark : mark + 1, all.end()};
 }

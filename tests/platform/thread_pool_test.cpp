@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -27,34 +28,28 @@ void CountDown(void* latch) {
   static_cast<Latch*>(latch)->Arrive();
 }
 
-struct Gate {
-  Latch entered{4};
-  Latch release{1};
-  std::atomic<int> done{0};
-};
+using Work = std::function<void()>;
 
-void PassGate(void* context) {
-  Gate& gate = *static_cast<Gate*>(context);
-  gate.entered.Arrive();
-  gate.release.Wait();
-  ++gate.done;
-}
-void CountDone(void* context) {
-  ++static_cast<Gate*>(context)->done;
+void Call(void* work) {
+  (*static_cast<Work*>(work))();
 }
 
 TEST(WorkQueue, GrowsToItsLimitAndKeepsTheRestWaiting) {
-  Gate gate;
+  Latch entered(4);
+  Latch release(1);
+  std::atomic<int> done{0};
+  Work pass = [&] { entered.Arrive(), release.Wait(), ++done; };
+  Work count = [&] { ++done; };
   {
     WorkQueue queue({.prompt_threads = 1, .max_threads = 4});
-    for (int i = 0; i < 4; ++i) ASSERT_TRUE(queue.Submit(PassGate, &gate));
-    for (int i = 0; i < 50; ++i) ASSERT_TRUE(queue.Submit(CountDone, &gate));
-    gate.entered.Wait();
+    for (int i = 0; i < 4; ++i) ASSERT_TRUE(queue.Submit(Call, &pass));
+    for (int i = 0; i < 50; ++i) ASSERT_TRUE(queue.Submit(Call, &count));
+    entered.Wait();
     EXPECT_EQ(queue.Threads(), 4);
-    EXPECT_EQ(gate.done, 0);
-    gate.release.Arrive();
+    EXPECT_EQ(done, 0);
+    release.Arrive();
   }
-  EXPECT_EQ(gate.done, 54) << "the destructor runs what is queued";
+  EXPECT_EQ(done, 54) << "the destructor runs what is queued";
 }
 
 TEST(WorkQueue, ThreadsWithoutWorkLeave) {

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <memory>
-#include <thread>
 
 #include "support/latch.h"
 
@@ -15,22 +14,12 @@ using testing::Latch;
 
 TEST(TimerQueue, CloseWaitsForARunningCallbackAndStopsTheOthers) {
   auto queue = std::make_unique<TimerQueue>();
-  Latch entered(1);
-  Latch closing(1);
-  std::atomic<bool> left{false};
+  testing::RunningCall call;
   std::atomic<int> others{0};
-  const TimerPtr timer = queue->Start(0, 0, [&] {
-    entered.Arrive();
-    closing.Wait();
-    for (int i = 0; i < 50; ++i) std::this_thread::yield();
-    left = true;
-  });
+  const TimerPtr timer = queue->Start(0, 0, [&] { call.Run(); });
   const TimerPtr far = queue->Start(0xFFFFFFFE, 1, [&] { ++others; });
   ASSERT_NE(far, nullptr);
-  entered.Wait();
-  closing.Arrive();
-  queue->Close();
-  EXPECT_TRUE(left);
+  EXPECT_TRUE(call.HasLeftAfter([&] { queue->Close(); }));
   EXPECT_FALSE(queue->Usable());
   EXPECT_EQ(queue->Start(0, 0, [&] { ++others; }), nullptr);
   queue.reset();

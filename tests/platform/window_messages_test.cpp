@@ -11,19 +11,14 @@ namespace {
 constexpr std::uint32_t kMessage = 1082;
 
 TEST(WindowMessages, ReachTheHandlerAndBringItsAnswer) {
-  std::uintptr_t wparam_seen = 0;
   const char16_t text[] = u"μήνυμα";
-  const char16_t* text_seen = nullptr;
   const WindowHandle window =
       OpenMessageWindow([&](std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam) {
-        wparam_seen = wparam;
-        text_seen = reinterpret_cast<const char16_t*>(lparam);
-        return message == kMessage ? -42 : 0;
+        const auto* seen = reinterpret_cast<const char16_t*>(lparam);
+        return message == kMessage && wparam == 1 && seen == text ? -42 : 0;
       });
   ASSERT_NE(window, 0U);
   EXPECT_EQ(SendWindowMessage(window, kMessage, 1, reinterpret_cast<std::intptr_t>(text)), -42);
-  EXPECT_EQ(wparam_seen, 1U);
-  EXPECT_EQ(text_seen, text);
   CloseMessageWindow(window);
   EXPECT_EQ(SendWindowMessage(window, kMessage, 1, 0), 0);
   EXPECT_EQ(SendWindowMessage(0, kMessage, 1, 0), 0);

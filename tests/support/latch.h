@@ -2,10 +2,12 @@
 // on Windows with g++ 12.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <future>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 namespace zentavo::testing {
 
@@ -50,6 +52,31 @@ class Latch {
  private:
   Counter counter_;
   const int arrivals_;
+};
+
+// A call that is under way while something that must wait for it begins.
+class RunningCall {
+ public:
+  // The call: stays until the other side begins, and then a little longer.
+  void Run() {
+    entered_.Arrive();
+    ending_.Wait();
+    for (int i = 0; i < 50; ++i) std::this_thread::yield();
+    left_ = true;
+  }
+  // Whether the call had left when `end` came back.
+  template <typename End>
+  bool HasLeftAfter(End end) {
+    entered_.Wait();
+    ending_.Arrive();
+    end();
+    return left_;
+  }
+
+ private:
+  Latch entered_{1};
+  Latch ending_{1};
+  std::atomic<bool> left_{false};
 };
 
 // What `call` gives on a thread of its own.

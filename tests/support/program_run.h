@@ -1,7 +1,6 @@
 // Runs a program to its end, with its standard streams in files.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>

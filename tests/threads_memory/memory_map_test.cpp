@@ -118,16 +118,13 @@ TEST(TXMemoryMap, RefusesViewsOutsideTheMemory) {
 }
 
 TEST(TXMemoryMap, RefusesSizesAndNamesThatCannotBe) {
-  const struct {
+  struct Row {
     String name;
     std::int32_t size;
-  } rows[] = {{u"", kSize},
-              {u"a\\b", kSize},
-              {String(u"a\0b", 3), kSize},
-              {String(40'000, u'x'), kSize},
-              {UniqueName(), 0},
-              {UniqueName(), std::numeric_limits<std::int32_t>::min()}};
-  for (const auto& row : rows) {
+  };
+  for (const Row& row : {Row{u"", kSize}, Row{u"a\\b", kSize}, Row{String(u"a\0b", 3), kSize},
+                         Row{String(40'000, u'x'), kSize}, Row{UniqueName(), 0},
+                         Row{UniqueName(), std::numeric_limits<std::int32_t>::min()}}) {
     for (const bool with_mutex : {false, true}) {
       const std::string error = ErrorOf([&] { TXMemoryMap(row.name, row.size, with_mutex); });
       EXPECT_TRUE(error.starts_with("System Error on MemoryMap ") && error.ends_with("."))

@@ -31,16 +31,14 @@ void WaitByTimer(std::int32_t ms) {
 }
 
 TEST(TXTimer, FirstTickComesAfterThePeriodOrTheDueTime) {
-  const struct {
+  struct Row {
     std::int32_t period;
     std::int32_t due_time;
     int ticks;
     milliseconds earliest;
-  } rows[] = {{10, -1, 3, milliseconds(30)},
-              {5, 20, 3, milliseconds(30)},
-              {0, 15, 1, milliseconds(15)},
-              {1, 0, 20, milliseconds(19)}};
-  for (const auto& row : rows) {
+  };
+  for (const Row& row : {Row{10, -1, 3, milliseconds(30)}, Row{5, 20, 3, milliseconds(30)},
+                         Row{0, 15, 1, milliseconds(15)}, Row{1, 0, 20, milliseconds(19)}}) {
     Counter ticks;
     TXTimer timer;
     timer.OnTimer = [&](TXTimer& sender) {
@@ -96,24 +94,15 @@ TEST(TXTimer, StopWaitsForARunningCallAndNoneFollows) {
    public:
     ~Slow() override { StopTimer(); }
     void Execute() override {
-      if (calls++ > 0) return;
-      entered.Arrive();
-      stopping.Wait();
-      for (int i = 0; i < 50; ++i) std::this_thread::yield();
-      left = true;
+      if (calls++ == 0) first.Run();
     }
 
     std::atomic<int> calls{0};
-    Latch entered{1};
-    Latch stopping{1};
-    std::atomic<bool> left{false};
+    testing::RunningCall first;
   };
   Slow timer;
   timer.StartTimer(1, 0);
-  timer.entered.Wait();
-  timer.stopping.Arrive();
-  timer.StopTimer();
-  EXPECT_TRUE(timer.left);
+  EXPECT_TRUE(timer.first.HasLeftAfter([&] { timer.StopTimer(); }));
   const int calls = timer.calls;
   WaitByTimer(10);
   EXPECT_EQ(timer.calls, calls);

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <future>
 #include <memory>
-#include <thread>
 
 #include "support/latch.h"
 
@@ -13,8 +11,6 @@
 
 namespace zentavo {
 namespace {
-
-using testing::Latch;
 
 TEST(TWaitList, GivesNullWhileAnotherThreadHoldsIt) {
   TWaitList list;
@@ -38,21 +34,13 @@ TEST(TWaitList, GivesNullWhileAnotherThreadHoldsIt) {
 
 TEST(TWaitList, IsDestroyedOnlyAfterItsHolderGaveItUp) {
   auto list = std::make_unique<TWaitList>();
-  Latch held(1);
-  Latch destroying(1);
-  std::atomic<bool> given_up{false};
+  testing::RunningCall call;
   std::future<void> holder = std::async(std::launch::async, [&, own = list.get()] {
     own->LockList(-1);
-    held.Arrive();
-    destroying.Wait();
-    for (int i = 0; i < 50; ++i) std::this_thread::yield();
-    given_up = true;
+    call.Run();
     own->UnLockList();
   });
-  held.Wait();
-  destroying.Arrive();
-  list.reset();
-  EXPECT_TRUE(given_up);
+  EXPECT_TRUE(call.HasLeftAfter([&] { list.reset(); }));
   holder.get();
 }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "zentavo/framework/text.h"
 
@@ -39,30 +38,24 @@ std::string Dump(const std::string& text, CsvLimits limits = {}) {
   return dump;
 }
 
-constexpr std::pair<const char*, const char*> kRows[] = {
-    {"", ""},
-    {"\xEF\xBB\xBF", ""},
-    {"a,b\r\n1,2\r\n", "1[a][b]2[1][2]"},
-    {"\xEF\xBB\xBF\"a\",b\n1,2", "1[a][b]2[1][2]"},
-    {"a,\n,\n,b", "1[a][]2[][]3[][b]"},
-    {" a , b \n", "1[ a ][ b ]"},
-    {"a\n\n1\n", "1[a]2[]3[1]"},
-    {"a,b\n\n\r\n1,2\n\n", "1[a][b]4[1][2]"},
-    {"a,b\n\"\"\n", "1[a][b]2[]"},
-    {"a\rb,c\r\r\n", "1[a\rb][c\r]"},
-    {"\"a\"\"b\"\"\",\"\"\"\"\n", "1[a\"b\"][\"]"},
-    {"\"a\r\nb\",c\n1,2\n", "1[a\r\nb][c]3[1][2]"},
-    {"a\nb\"c\n", "1[a]line 2: Quote in a field without quotes"},
-    {"a, \"b\"\n", "line 1: Quote in a field without quotes"},
-    {"a\n\"b\"c\n", "1[a]line 2: Text behind a closing quote"},
-    {"\"b\"\rc\n", "line 1: Text behind a closing quote"},
-    {"\"a\nb\"x", "line 2: Text behind a closing quote"},
-    {"a\n\"b\nc", "1[a]line 2: Quote without an end"},
-    {"\"a\"\"", "line 1: Quote without an end"},
-};
-
 TEST(CsvReader, ReadsRecordsWithBlockBordersAnywhere) {
-  for (const auto& [text, dump] : kRows) {
+  struct Row {
+    const char *text, *dump;
+  };
+  for (const auto& [text, dump] :
+       {Row{"", ""}, Row{"\xEF\xBB\xBF", ""}, Row{"a,b\r\n1,2\r\n", "1[a][b]2[1][2]"},
+        Row{"\xEF\xBB\xBF\"a\",b\n1,2", "1[a][b]2[1][2]"}, Row{"a,\n,\n,b", "1[a][]2[][]3[][b]"},
+        Row{" a , b \n", "1[ a ][ b ]"}, Row{"a\n\n1\n", "1[a]2[]3[1]"},
+        Row{"a,b\n\n\r\n1,2\n\n", "1[a][b]4[1][2]"}, Row{"a,b\n\"\"\n", "1[a][b]2[]"},
+        Row{"a\rb,c\r\r\n", "1[a\rb][c\r]"}, Row{"\"a\"\"b\"\"\",\"\"\"\"\n", R"(1[a"b"]["])"},
+        Row{"\"a\r\nb\",c\n1,2\n", "1[a\r\nb][c]3[1][2]"},
+        Row{"a\nb\"c\n", "1[a]line 2: Quote in a field without quotes"},
+        Row{"a, \"b\"\n", "line 1: Quote in a field without quotes"},
+        Row{"a\n\"b\"c\n", "1[a]line 2: Text behind a closing quote"},
+        Row{"\"b\"\rc\n", "line 1: Text behind a closing quote"},
+        Row{"\"a\nb\"x", "line 2: Text behind a closing quote"},
+        Row{"a\n\"b\nc", "1[a]line 2: Quote without an end"},
+        Row{R"("a"")", "line 1: Quote without an end"}}) {
     EXPECT_EQ(Dump(text), dump) << text;
     for (std::size_t block = 1; block < 12; ++block) {
       EXPECT_EQ(Dump(text, {.block_bytes = block}), dump) << block << ": " << text;
@@ -118,7 +111,8 @@ TEST(CsvWriter, FieldsReadBack) {
   std::mt19937 random(7);
   constexpr std::string_view kBytes = "ab,\"\r\n \xCE\xB1";
   for (int round = 0; round < 2000; ++round) {
-    std::string text, expected = "1";
+    std::string text;
+    std::string expected = "1";
     CsvWriter writer([&](std::string_view block) { text += block; });
     for (int i = 0; i < 3; ++i) {
       std::string field(random() % 6, ' ');

@@ -18,6 +18,7 @@ TEST(MatchCommand, PairsRows) {
                "left,right,score\n0,1,2\n1,0,2\n",
                0,
                "amount\n10.501\n20.0\n"},
+              {{"doc", "--weights", "-2"}, "left,right,score\n", 0, "doc\n"},
               {{"doc,city", "--weights", "2"}, "2 columns but 1 weights", 2, kLeft},
               {{"doc", "--weights", "2.5"}, "'2.5' is not a whole number", 2, kLeft},
               {{"price", "--weights", "2"}, "No column 'price' in -", 1, kLeft},
