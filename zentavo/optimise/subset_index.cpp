@@ -4,6 +4,8 @@
 #include <bit>
 #include <utility>
 
+#include "zentavo/framework/mix_bits.h"
+
 namespace zentavo::optimise_internal {
 
 namespace {

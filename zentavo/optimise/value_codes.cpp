@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "zentavo/framework/mix_bits.h"
+
 namespace zentavo::optimise_internal {
 
 namespace {
