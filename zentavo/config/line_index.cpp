@@ -6,6 +6,7 @@
 
 #include "zentavo/config/key_words.h"
 #include "zentavo/framework/mix_bits.h"
+#include "zentavo/framework/text_hash.h"
 
 namespace zentavo {
 
@@ -26,7 +27,7 @@ std::uint64_t SeedOfThisRun() {
 inline std::uint32_t LineIndex::HashOf(StringView key) const {
   const std::uint64_t hash = key_case_ == KeyCase::kIgnored
                                  ? key_words::HashIgnoringCase(seed_, key)
-                                 : key_words::Hash(seed_, key);
+                                 : text_hash::Hash(seed_, key);
   return static_cast<std::uint32_t>(MixBits(hash) >> 32);
 }
 

@@ -138,8 +138,8 @@ void TGeneticAlgorithm::CrossoverSame(double Rate, String& A) {
 
 void TGeneticAlgorithm::CrossoverRandom(IFitness&, double Rate, String& A, String& B) {
   if (!(random_.Fraction() < Rate)) return;
-  const std::uint32_t position = random_.Below(static_cast<std::uint32_t>(FChromoSize));
-  const std::ptrdiff_t cut = std::ptrdiff_t{FGeneSize} * ((position + 1) / FGeneSize);
+  const std::ptrdiff_t position = random_.Below(static_cast<std::uint32_t>(FChromoSize));
+  const std::ptrdiff_t cut = FGeneSize * ((position + 1) / FGeneSize);
   std::swap_ranges(A.begin() + cut, A.end(), B.begin() + cut);
 }
 
