@@ -58,7 +58,8 @@ TEST(TXHashedStringList, SurvivesAHandlerThatRaises) {
 String RandomLine(std::mt19937& random) {
   String line;
   for (auto left = random() % 3; left > 0; --left)
-    line += static_cast<char16_t>(u"aAbB"[random() % 4]);
+    line += static_cast<char16_t>(u"aAbB\u03B1\u0391"[random() % 6]);
+  if (random() % 3 == 0) line.append(u"a key of several words");
   if (random() % 4 != 0) line.append(u"=").append(1, static_cast<char16_t>(u'0' + random() % 3));
   return line;
 }
@@ -74,8 +75,12 @@ void ChangeSomewhere(TStringList& list, std::mt19937& random, unsigned change) {
     list.Insert(index, line);
   } else if (change == 8) {
     list.Delete(index);
-  } else {
+  } else if (change == 9) {
     list.SetCaseSensitive(!list.CaseSensitive());
+  } else if (change == 10) {
+    list.SetCapacity(list.Count() + 1);
+  } else {
+    list.SetNameValueSeparator(list.NameValueSeparator() == u'=' ? u'b' : u'=');
   }
 }
 
@@ -84,17 +89,21 @@ TEST(TXHashedStringList, AnswersAsAPlainListDoes) {
   std::mt19937 random(kSeed);
   TXHashedStringList hashed;
   TStringList plain;
-  for (int step = 0; step < 5000; ++step) {
-    const auto change = static_cast<unsigned>(random() % 10);
+  for (int step = 0; step < 20000; ++step) {
+    const auto change = static_cast<unsigned>(random() % 12);
     std::mt19937 same = random;
     ChangeSomewhere(hashed, random, change);
     ChangeSomewhere(plain, same, change);
     if (plain.Count() > 40) plain.Clear(), hashed.Clear();
     if (random() % 3 == 0) continue;
     const String line = RandomLine(random);
-    const StringView name = StringView(line).substr(0, line.find(u'='));
+    const StringView name = StringView(line).substr(0, line.find(plain.NameValueSeparator()));
+    const std::int32_t named = plain.IndexOfName(name);
+    StringView found;
     ASSERT_EQ(hashed.IndexOf(line), plain.IndexOf(line)) << "seed " << kSeed << " step " << step;
-    ASSERT_EQ(hashed.IndexOfName(name), plain.IndexOfName(name)) << "step " << step;
+    ASSERT_EQ(hashed.IndexOfName(name), named) << "step " << step;
+    ASSERT_EQ(hashed.FindLine(name, found), named >= 0) << "step " << step;
+    ASSERT_EQ(found, named < 0 ? StringView() : StringView(plain[named])) << "step " << step;
   }
 }
 

@@ -54,7 +54,7 @@ TEST(Variant, CopiesAreDeepAndMovesLeaveEmpty) {
       EXPECT_EQ(Dump(target), before);
     }
   }
-  Variant array = Array{Array{1}};
+  Variant array = Array{Variant(Array{1})};
   Variant copy = array;
   copy.ArrayValue()[0].ArrayValue()[0] = 2;
   EXPECT_EQ(Dump(array.ArrayValue()[0].ArrayValue()[0]), "Integer 1");
@@ -69,7 +69,7 @@ TEST(Variant, SurvivesAssignmentToItselfAndFromItsOwnElement) {
     sample = std::move(self);
     EXPECT_EQ(Dump(sample), before);
   }
-  Variant outer = Array{Array{u"the innermost text"}};
+  Variant outer = Array{Variant(Array{u"the innermost text"})};
   outer = outer.ArrayValue()[0];
   outer = std::move(outer.ArrayValue()[0]);
   EXPECT_EQ(Dump(outer), "String the innermost text");

@@ -148,6 +148,21 @@ TEST(TScoringAlgorithm, RefusesTargetsWithoutEnd) {
   }
 }
 
+// By indexes and by comparing all pairs.
+TEST(TScoringAlgorithm, TellsHowFarItIs) {
+  for (const std::int32_t columns : {1, 12}) {
+    Table rows;
+    for (std::int32_t i = 0; i < 600; ++i) {
+      rows.emplace_back(static_cast<std::size_t>(columns), Variant(i));
+    }
+    std::vector<std::int64_t> looks;
+    TScoringAlgorithm scoring;
+    scoring.SetOnProgress([&](std::int64_t now) { looks.push_back(now); });
+    scoring.Execute(rows, rows, Weights(static_cast<std::size_t>(columns), 1), 0);
+    EXPECT_EQ(looks, (std::vector<std::int64_t>{256, 512})) << columns << " columns";
+  }
+}
+
 // Random tables --------------------------------------------------------------------------------
 
 // Values of one sort or of several, few of each, so that many are equal or near.

@@ -10,6 +10,7 @@
 #include "tools/zentavo/csv.h"
 #include "tools/zentavo/csv_table.h"
 #include "tools/zentavo/files.h"
+#include "tools/zentavo/progress.h"
 #include "zentavo/framework/number_text.h"
 #include "zentavo/framework/text.h"
 #include "zentavo/optimise/scoring_algorithm.h"
@@ -85,6 +86,15 @@ void CheckCounts(std::size_t columns, std::size_t weights) {
   }
 }
 
+TScoringAlgorithm::Matches FindMatches(std::span<const TScoreRow> left,
+                                       std::span<const TScoreRow> right,
+                                       std::span<const std::int32_t> weights, double tolerance) {
+  Progress progress("rows looked at");
+  TScoringAlgorithm scoring;
+  scoring.SetOnProgress([&progress](std::int64_t looks) { progress.AdvanceTo(looks); });
+  return scoring.Execute(left, right, weights, tolerance);
+}
+
 void WriteMatches(const TScoringAlgorithm::Matches& matches) {
   OutputFile output("-");
   CsvWriter writer([&](std::string_view block) { output.Write(block); });
@@ -107,10 +117,9 @@ void Run(const MatchOptions& options) {
   const double tolerance = ReadNumberArgument(options.tolerance);
   const std::vector<TScoreRow> left = ReadRows(options.left, columns);
   const std::vector<TScoreRow> right = ReadRows(options.right, columns);
-  TScoringAlgorithm::Matches matches;
   // Without right rows the algorithm reports a row that is not there.
-  if (!right.empty()) matches = TScoringAlgorithm().Execute(left, right, weights, tolerance);
-  WriteMatches(matches);
+  WriteMatches(right.empty() ? TScoringAlgorithm::Matches()
+                             : FindMatches(left, right, weights, tolerance));
 }
 
 constexpr const char* kFooter =

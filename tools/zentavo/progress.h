@@ -21,6 +21,11 @@ class Progress {
     constexpr std::int64_t kStepsBetweenLooks = 256;
     if (++count_ % kStepsBetweenLooks == 0 && terminal_) Look();
   }
+  // The same for work that counts its steps itself and tells of some of them.
+  void AdvanceTo(std::int64_t count) {
+    count_ = count;
+    if (terminal_) Look();
+  }
 
  private:
   using Clock = std::chrono::steady_clock;

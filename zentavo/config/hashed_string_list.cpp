@@ -22,23 +22,14 @@ String TXHashedStringList::PrepareString(StringView S) const {
   return CaseSensitive() ? String(S) : AnsiUpperCase(S);
 }
 
-TXHashedStringList::Rules TXHashedStringList::CurrentRules() const {
-  return {CaseSensitive() ? KeyCase::kExact : KeyCase::kIgnored, NameValueSeparator()};
-}
-
-bool TXHashedStringList::SameKey(StringView a, StringView b) const {
-  return a == b || (!CaseSensitive() && SameText(a, b));
-}
-
 std::int32_t TXHashedStringList::IndexOf(StringView S) const {
   if (change_in_progress_) {
     if (!frozen_values_) FreezeValues();
     return frozen_values_->ValueOf(PrepareString(S));
   }
-  const Rules rules = CurrentRules();
-  if (!FValueHashValid || value_rules_.key_case != rules.key_case) UpdateValueHash();
-  return FValueHash.Find(KeyHash(S, rules.key_case),
-                         [&](std::int32_t line) { return SameKey(Strings(line), S); });
+  if (!FValueHashValid) UpdateValueHash();
+  const LineIndex::Entry* const entry = FValueHash.Find(S);
+  return entry == nullptr ? -1 : entry->line;
 }
 
 std::int32_t TXHashedStringList::IndexOfName(StringView Name) const {
@@ -46,39 +37,44 @@ std::int32_t TXHashedStringList::IndexOfName(StringView Name) const {
     if (!frozen_names_) FreezeNames();
     return frozen_names_->ValueOf(PrepareString(Name));
   }
-  const Rules rules = CurrentRules();
-  if (!FNameHashValid || name_rules_ != rules) UpdateNameHash();
-  return FNameHash.Find(KeyHash(Name, rules.key_case), [&](std::int32_t line) {
-    return SameKey(*NameOf(Strings(line), rules.separator), Name);
-  });
+  if (!FNameHashValid) UpdateNameHash();
+  const LineIndex::Entry* const entry = FNameHash.Find(Name);
+  return entry == nullptr ? -1 : entry->line;
+}
+
+bool TXHashedStringList::FindLine(StringView Name, StringView& Line) const {
+  if (change_in_progress_) {
+    const std::int32_t index = IndexOfName(Name);
+    if (index >= 0) Line = Strings(index);
+    return index >= 0;
+  }
+  if (!FNameHashValid) UpdateNameHash();
+  const LineIndex::Entry* const entry = FNameHash.Find(Name);
+  if (entry != nullptr) Line = entry->Line();
+  return entry != nullptr;
 }
 
 void TXHashedStringList::UpdateValueHash() const {
-  FValueHash.Reset(static_cast<std::size_t>(Count()));
-  value_rules_ = CurrentRules();
+  FValueHash.Reset(static_cast<std::size_t>(Count()), CurrentCase());
   for (std::int32_t i = 0; i < Count(); ++i) EnterValue(i);
+  storage_ = Storage();
   FValueHashValid = true;
 }
 
 void TXHashedStringList::UpdateNameHash() const {
-  FNameHash.Reset(static_cast<std::size_t>(Count()));
-  name_rules_ = CurrentRules();
+  FNameHash.Reset(static_cast<std::size_t>(Count()), CurrentCase());
   for (std::int32_t i = 0; i < Count(); ++i) EnterName(i);
+  storage_ = Storage();
   FNameHashValid = true;
 }
 
 void TXHashedStringList::EnterValue(std::int32_t index) const {
-  const StringView text = Strings(index);
-  FValueHash.Add(KeyHash(text, value_rules_.key_case), index,
-                 [&](std::int32_t line) { return SameKey(Strings(line), text); });
+  FValueHash.Add(index, Strings(index), Strings(index).size());
 }
 
 void TXHashedStringList::EnterName(std::int32_t index) const {
-  const std::optional<StringView> name = NameOf(Strings(index), name_rules_.separator);
-  if (!name) return;
-  FNameHash.Add(KeyHash(*name, name_rules_.key_case), index, [&](std::int32_t line) {
-    return SameKey(*NameOf(Strings(line), name_rules_.separator), *name);
-  });
+  const std::optional<StringView> name = NameOf(Strings(index), NameValueSeparator());
+  if (name) FNameHash.Add(index, Strings(index), name->size());
 }
 
 void TXHashedStringList::FreezeValues() const {
@@ -129,9 +125,9 @@ bool TXHashedStringList::NotifyAlone() {
 }
 
 void TXHashedStringList::Appended(std::int32_t index) {
-  const Rules rules = CurrentRules();
-  const bool values = FValueHashValid && value_rules_.key_case == rules.key_case;
-  const bool names = FNameHashValid && name_rules_ == rules;
+  const bool stayed = storage_ == Storage();
+  const bool values = FValueHashValid && stayed;
+  const bool names = FNameHashValid && stayed;
   if (!NotifyAlone()) return;
   if (values) EnterValue(index);
   if (names) EnterName(index);
@@ -140,12 +136,16 @@ void TXHashedStringList::Appended(std::int32_t index) {
 }
 
 void TXHashedStringList::Replaced(std::int32_t index, StringView old_text) {
-  const Rules rules = CurrentRules();
-  const bool names = FNameHashValid && name_rules_ == rules;
+  const bool names = FNameHashValid;
   if (!NotifyAlone() || !names) return;
-  const std::optional<StringView> old_name = NameOf(old_text, rules.separator);
-  const std::optional<StringView> name = NameOf(Strings(index), rules.separator);
-  FNameHashValid = old_name && name && SameKey(*old_name, *name);
+  const StringView text = Strings(index);
+  const std::optional<StringView> name = NameOf(text, NameValueSeparator());
+  FNameHashValid = name && FNameHash.Renew(index, old_text, text, name->size());
+}
+
+void TXHashedStringList::Rearranged() {
+  FValueHashValid = false;
+  FNameHashValid = false;
 }
 
 }  // namespace zentavo

@@ -28,26 +28,22 @@ class ZENTAVO_API TXHashedStringList : public TStringList {
   // change, where the table stood then; callers rely on that.
   std::int32_t IndexOf(StringView S) const override;
   std::int32_t IndexOfName(StringView Name) const override;
+  // The string that IndexOfName finds, a view of it until the list changes. False, and `Line` as it
+  // was, when there is none.
+  bool FindLine(StringView Name, StringView& Line) const;
 
  protected:
   void Changing() override;
   void Changed() override;
   void Appended(std::int32_t index) override;
   void Replaced(std::int32_t index, StringView old_text) override;
+  void Rearranged() override;
 
   // `S` as it compares: unchanged when the list is case-sensitive, else in upper case.
   String PrepareString(StringView S) const;
 
  private:
-  // What the tables were built with; they hold for no other.
-  struct Rules {
-    KeyCase key_case = KeyCase::kIgnored;
-    char16_t separator = u'=';
-    bool operator==(const Rules&) const = default;
-  };
-
-  Rules CurrentRules() const;
-  bool SameKey(StringView a, StringView b) const;
+  KeyCase CurrentCase() const { return CaseSensitive() ? KeyCase::kExact : KeyCase::kIgnored; }
   void UpdateValueHash() const;
   void UpdateNameHash() const;
   void EnterValue(std::int32_t index) const;
@@ -62,15 +58,15 @@ class ZENTAVO_API TXHashedStringList : public TStringList {
   mutable LineIndex FNameHash;
   mutable bool FValueHashValid = false;
   mutable bool FNameHashValid = false;
-  mutable Rules value_rules_;
-  mutable Rules name_rules_;
+  // The valid tables hold views of the texts, which lie in this storage.
+  mutable const void* storage_ = nullptr;
+  bool change_in_progress_ = false;
+  std::uint32_t change_count_ = 0;
 
   // From Changing to the end of Changed look-ups go through these, which hold their keys. Made from
   // the tables before the change, else from the list at the first look-up.
   mutable std::unique_ptr<TXStringHash> frozen_values_;
   mutable std::unique_ptr<TXStringHash> frozen_names_;
-  bool change_in_progress_ = false;
-  std::uint32_t change_count_ = 0;
 };
 
 }  // namespace zentavo

@@ -1,8 +1,12 @@
 #include "zentavo/config/line_index.h"
 
-#include <bit>
+#include <algorithm>
 #include <random>
 #include <utility>
+
+#include "zentavo/config/key_words.h"
+#include "zentavo/framework/mix_bits.h"
+#include "zentavo/framework/text_hash.h"
 
 namespace zentavo {
 
@@ -10,7 +14,7 @@ namespace {
 
 constexpr std::size_t kLeastSlots = 8;
 
-std::uint64_t Seed() {
+std::uint64_t SeedOfThisRun() {
   static const std::uint64_t seed = [] {
     std::random_device random;
     return std::uint64_t{random()} << 32 | random();
@@ -18,33 +22,76 @@ std::uint64_t Seed() {
   return seed;
 }
 
-template <typename Prepare>
-std::uint32_t HashOf(StringView key, Prepare prepare) {
-  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
-  std::uint64_t hash = Seed();
-  for (const char16_t unit : key) hash = (std::rotl(hash, 32) ^ prepare(unit)) * kOdd;
-  return static_cast<std::uint32_t>(hash >> 32);
-}
-
 }  // namespace
 
-std::uint32_t KeyHash(StringView key, KeyCase key_case) {
-  if (key_case == KeyCase::kIgnored) return HashOf(key, UpperUnit);
-  return HashOf(key, [](char16_t unit) { return unit; });
+inline std::uint32_t LineIndex::HashOf(StringView key) const {
+  const std::uint64_t hash = key_case_ == KeyCase::kIgnored
+                                 ? key_words::HashIgnoringCase(seed_, key)
+                                 : text_hash::Hash(seed_, key);
+  return static_cast<std::uint32_t>(MixBits(hash) >> 32);
 }
 
-void LineIndex::Reset(std::size_t lines) {
-  slots_.assign(std::bit_ceil(kLeastSlots + lines + lines / 2), Slot());
+inline bool LineIndex::SameKey(StringView a, StringView b) const {
+  return key_words::AreEqual(a, b) || (key_case_ == KeyCase::kIgnored && SameText(a, b));
+}
+
+// The slot of the key, or the free one where it belongs.
+inline std::size_t LineIndex::PlaceOf(std::uint32_t hash, StringView key) const {
+  std::size_t place = FirstPlace(hash);
+  for (;; place = Behind(place)) {
+    const Entry& entry = slots_[place];
+    if (entry.line == kNoLine || (entry.hash == hash && SameKey(entry.Key(), key))) return place;
+  }
+}
+
+void LineIndex::SetSlots(std::size_t count) {
+  slots_.assign(count, Entry());
+  slot_count_ = count;
+}
+
+void LineIndex::Reset(std::size_t lines, KeyCase key_case) {
+  SetSlots(kLeastSlots + lines + lines / 2);
   used_ = 0;
+  seed_ = SeedOfThisRun();
+  key_case_ = key_case;
 }
 
 void LineIndex::Grow() {
-  const std::vector<Slot> old = std::exchange(slots_, {});
-  slots_.resize(old.empty() ? kLeastSlots : old.size() * 2);
-  for (const Slot& slot : old) {
-    // No two of them have the same key.
-    if (slot.line != kFree) slots_[PlaceOf(slot.hash, [](std::int32_t) { return false; })] = slot;
+  const std::vector<Entry> old = std::exchange(slots_, {});
+  SetSlots(std::max(kLeastSlots, old.size() * 2));
+  for (const Entry& entry : old) {
+    if (entry.line != kNoLine) slots_[PlaceOf(entry.hash, entry.Key())] = entry;
   }
+}
+
+void LineIndex::Add(std::int32_t line, StringView text, std::size_t key_length) {
+  if (used_ * 4 >= slot_count_ * 3) Grow();
+  const StringView key = text.substr(0, key_length);
+  const std::uint32_t hash = HashOf(key);
+  Entry& entry = slots_[PlaceOf(hash, key)];
+  if (entry.line != kNoLine) return;
+  entry = {hash, line, text.data(), static_cast<std::uint32_t>(key_length),
+           static_cast<std::uint32_t>(text.size())};
+  ++used_;
+}
+
+// Goes by the line's number: its entry's text is no longer there.
+bool LineIndex::Renew(std::int32_t line, StringView old_text, StringView text,
+                      std::size_t key_length) {
+  const StringView key = text.substr(0, key_length);
+  std::size_t place = FirstPlace(HashOf(key));
+  while (slots_[place].line != kNoLine && slots_[place].line != line) place = Behind(place);
+  Entry& entry = slots_[place];
+  if (entry.line == kNoLine || !SameKey(old_text.substr(0, entry.key_length), key)) return false;
+  entry.text = text.data();
+  entry.length = static_cast<std::uint32_t>(text.size());
+  return true;
+}
+
+const LineIndex::Entry* LineIndex::Find(StringView key) const {
+  if (slot_count_ == 0) return nullptr;
+  const Entry& entry = slots_[PlaceOf(HashOf(key), key)];
+  return entry.line == kNoLine ? nullptr : &entry;
 }
 
 }  // namespace zentavo

@@ -61,8 +61,9 @@ TXHashedStringList* TXMemIniFile::FindSection(StringView Section) const {
 
 String TXMemIniFile::ReadString(StringView Section, StringView Ident, StringView Default) const {
   const TXHashedStringList* lines = FindSection(Section);
-  const std::int32_t index = lines == nullptr ? -1 : lines->IndexOfName(Ident);
-  return String(index < 0 ? Default : StringView(lines->Strings(index)).substr(Ident.size() + 1));
+  StringView line;
+  const bool found = lines != nullptr && lines->FindLine(Ident, line);
+  return String(found ? line.substr(Ident.size() + 1) : Default);
 }
 
 void TXMemIniFile::WriteString(StringView Section, StringView Ident, StringView Value) {

@@ -43,6 +43,12 @@ void TStringList::SetCapacity(std::int32_t capacity) {
   items.reserve(static_cast<std::size_t>(capacity));
   std::move(items_.begin(), items_.end(), std::back_inserter(items));
   items_ = std::move(items);
+  Rearranged();
+}
+
+void TStringList::SetNameValueSeparator(char16_t unit) {
+  name_value_separator_ = unit;
+  Rearranged();
 }
 
 const String& TStringList::Strings(std::int32_t index) const {
@@ -224,5 +230,7 @@ void TStringList::Appended(std::int32_t) {
 void TStringList::Replaced(std::int32_t, StringView) {
   Changed();
 }
+
+void TStringList::Rearranged() {}
 
 }  // namespace zentavo

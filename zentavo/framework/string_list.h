@@ -146,7 +146,7 @@ class ZENTAVO_API TStringList : public TObject {
   bool OwnsObjects() const { return owns_objects_; }
   void SetOwnsObjects(bool owns) { owns_objects_ = owns; }
   char16_t NameValueSeparator() const { return name_value_separator_; }
-  void SetNameValueSeparator(char16_t unit) { name_value_separator_ = unit; }
+  void SetNameValueSeparator(char16_t unit);
   char16_t Delimiter() const { return delimiter_; }
   void SetDelimiter(char16_t unit) { delimiter_ = unit; }
   bool StrictDelimiter() const { return strict_delimiter_; }
@@ -166,7 +166,12 @@ class ZENTAVO_API TStringList : public TObject {
   // whose string was replaced.
   virtual void Appended(std::int32_t index);
   virtual void Replaced(std::int32_t index, StringView old_text);
+  // Called when the entries' texts may have moved in memory, and when they compare by other rules,
+  // though no entry has changed.
+  virtual void Rearranged();
   bool HasChangeHandler() const { return on_change_ != nullptr; }
+  // Where the entries are kept: texts move with it, and when their own entry changes.
+  const void* Storage() const { return items_.data(); }
 
  private:
   struct Item {
@@ -206,18 +211,18 @@ class ZENTAVO_API TStringList : public TObject {
   void SetDelimited(StringView text, const Delimiters& rules);
 
   std::vector<Item> items_;
-  String line_break_;
-  NotifyEvent on_changing_;
-  NotifyEvent on_change_;
-  std::int32_t update_count_ = 0;
-  TDuplicates duplicates_ = TDuplicates::dupIgnore;
+  bool case_sensitive_ = false;
+  bool sorted_ = false;
+  bool owns_objects_ = false;
+  bool strict_delimiter_ = false;
   char16_t name_value_separator_ = u'=';
   char16_t delimiter_ = u',';
   char16_t quote_char_ = u'"';
-  bool sorted_ = false;
-  bool case_sensitive_ = false;
-  bool owns_objects_ = false;
-  bool strict_delimiter_ = false;
+  TDuplicates duplicates_ = TDuplicates::dupIgnore;
+  std::int32_t update_count_ = 0;
+  String line_break_;
+  NotifyEvent on_changing_;
+  NotifyEvent on_change_;
   TEncoding encoding_ = TEncoding::System();
 };
 

@@ -124,6 +124,7 @@ void TStringList::SetSorted(bool sorted) {
 void TStringList::SetCaseSensitive(bool case_sensitive) {
   if (case_sensitive_ == case_sensitive) return;
   case_sensitive_ = case_sensitive;
+  Rearranged();
   if (sorted_) SortAll();
 }
 

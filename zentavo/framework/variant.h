@@ -138,6 +138,8 @@ class ZENTAVO_API Variant {
     if (OnHeap()) return storage_.wide.payload.text->View();
     return {storage_.text.units, storage_.text.length};
   }
+  // Whether it holds the empty text; looks at no text on the heap.
+  bool IsEmptyText() const noexcept { return IsString() && storage_.wide.length == 0; }
   const Array& ArrayValue() const noexcept { return *storage_.wide.payload.array; }
   Array& ArrayValue() noexcept { return *storage_.wide.payload.array; }
   const ByteArray& ByteArrayValue() const noexcept { return *storage_.wide.payload.bytes; }

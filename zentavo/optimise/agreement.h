@@ -7,7 +7,7 @@ namespace zentavo::optimise_internal {
 
 // Empty, Null and the empty text: a left value that agrees with nothing.
 inline bool IsEmptyCell(const Variant& value) {
-  return value.IsEmpty() || value.IsNull() || (value.IsString() && value.StringValue().empty());
+  return value.IsEmpty() || value.IsNull() || value.IsEmptyText();
 }
 
 // A single, a double or a currency.

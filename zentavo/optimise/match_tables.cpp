@@ -101,13 +101,19 @@ template <typename CellKey, typename Take>
 void ForEachKey(Rows rows, std::size_t place, const ValueCodes& codes, CellKey cell_key,
                 Take take) {
   constexpr std::size_t kBlock = 32;
+  std::array<const Variant*, kBlock> cells;
   std::array<ValueKey, kBlock> keys;
   std::array<std::size_t, kBlock> places;
   for (std::size_t begin = 0; begin < rows.size(); begin += kBlock) {
-    std::size_t count = 0;
-    for (std::size_t i = begin; i < std::min(begin + kBlock, rows.size()); ++i) {
+    const std::size_t end = std::min(begin + kBlock, rows.size());
+    for (std::size_t i = begin; i < end; ++i) {
       PrefetchRow(rows, i + kBlock, place);
-      const Variant* cell = CellOf(rows[i], place);
+      const Variant* cell = cells[i - begin] = CellOf(rows[i], place);
+      if (cell != nullptr && cell->IsString()) ValueCodes::Prefetch(cell->StringValue().data());
+    }
+    std::size_t count = 0;
+    for (std::size_t i = begin; i < end; ++i) {
+      const Variant* cell = cells[i - begin];
       if (cell == nullptr || !cell_key(*cell, keys[count])) continue;
       codes.PrefetchSlot(keys[count]);
       places[count++] = i;

@@ -11,6 +11,7 @@ namespace {
 
 // The indexes that are needed at once take at most this much for each row of the tables.
 constexpr std::size_t kIndexBytesPerRow = 1024;
+constexpr std::size_t kRowsAhead = 8;  // at which the memory is asked for what they need
 // Looking a row up costs about as much as comparing this many pairs by codes.
 constexpr double kPairsPerLookup = 2;
 
@@ -20,9 +21,11 @@ std::size_t At(RowIndex row) {
 
 }  // namespace
 
-Matcher::Matcher(const MatchTables& tables, std::span<const std::int32_t> targets)
+Matcher::Matcher(const MatchTables& tables, std::span<const std::int32_t> targets,
+                 const ProgressEvent& on_progress)
     : tables_(tables),
       targets_(targets),
+      on_progress_(on_progress),
       rights_(At(tables.RightCount())),
       done_(At(tables.LeftCount())),
       used_(At(tables.RightCount())) {
@@ -36,6 +39,7 @@ Matcher::Matcher(const MatchTables& tables, std::span<const std::int32_t> target
   }
   columns_ &= right_columns;
   std::iota(rights_.begin(), rights_.end(), 0);
+  for (auto& column : matches_) column.reserve(std::min(done_.size(), used_.size()));
 }
 
 Matcher::Matches Matcher::Run() {
@@ -95,7 +99,9 @@ bool Matcher::RunEqualSubsets(std::span<const Subset> subsets) {
   const std::size_t times = TimesOf(score);
   for (std::size_t time = 0; time < times && !asked.empty(); ++time) {
     again_.clear();
-    for (const RowIndex left : asked) {
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+      Prefetch(asked.subspan(i));
+      const RowIndex left = asked[i];
       const RowIndex right = FirstOf(left, score);
       if (right == tables_.RightCount()) continue;
       Match(left, right, score);
@@ -125,8 +131,24 @@ bool Matcher::BuildIndexes(std::span<const Subset> subsets) {
   return true;
 }
 
+// Asks the memory for what the left rows further on need.
+void Matcher::Prefetch(std::span<const RowIndex> asked) const {
+  const auto at_distance = [&](std::size_t distance, auto prefetch) {
+    if (distance >= asked.size()) return;
+    const RowIndex left = asked[distance];
+    for (std::size_t i = 0; i < index_count_; ++i) {
+      if ((indexes_[i].Columns() & ~tables_.LeftColumns(left)) == 0) {
+        (indexes_[i].*prefetch)(tables_, left);
+      }
+    }
+  };
+  at_distance(2 * kRowsAhead, &SubsetIndex::PrefetchSlot);
+  at_distance(kRowsAhead, &SubsetIndex::PrefetchFirst);
+}
+
 // The first unused right row that scores `score`, the number of right rows when there is none.
 RowIndex Matcher::FirstOf(RowIndex left, std::int32_t score) {
+  CountLook();
   RowIndex first = tables_.RightCount();
   const ColumnSet columns = tables_.LeftColumns(left);
   for (std::size_t i = 0; i < index_count_; ++i) {
@@ -187,7 +209,8 @@ void Matcher::Enqueue(std::vector<Candidate>& queue, const Candidate& candidate)
   std::push_heap(queue.begin(), queue.end(), IsBehind);
 }
 
-Matcher::Candidate Matcher::BestOf(RowIndex left) const {
+Matcher::Candidate Matcher::BestOf(RowIndex left) {
+  CountLook();
   Candidate best{0, left, 0};
   for (const RowIndex right : rights_) {
     if (used_[At(right)] != 0) continue;
@@ -217,6 +240,11 @@ void Matcher::RunZero() {
 std::size_t Matcher::TimesOf(std::int32_t score) const {
   const auto [first, last] = std::equal_range(targets_.begin(), targets_.end(), score);
   return static_cast<std::size_t>(last - first);
+}
+
+void Matcher::CountLook() {
+  constexpr std::int64_t kLooksBetweenReports = 256;
+  if (++looks_ % kLooksBetweenReports == 0 && on_progress_) on_progress_(looks_);
 }
 
 void Matcher::Match(RowIndex left, RowIndex right, std::int32_t score) {

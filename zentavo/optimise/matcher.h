@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -24,8 +25,11 @@ class Matcher {
  public:
   using Matches = std::array<std::vector<std::int32_t>, 3>;
 
-  // `targets` are ascending and hold the score of every pair.
-  Matcher(const MatchTables& tables, std::span<const std::int32_t> targets);
+  using ProgressEvent = std::function<void(std::int64_t looks)>;
+
+  // `targets` are ascending and hold the score of every pair. All three must outlive the matcher.
+  Matcher(const MatchTables& tables, std::span<const std::int32_t> targets,
+          const ProgressEvent& on_progress);
   Matches Run();
 
  private:
@@ -46,20 +50,25 @@ class Matcher {
   void RunSubsets();
   bool RunEqualSubsets(std::span<const Subset> subsets);
   bool BuildIndexes(std::span<const Subset> subsets);
+  void Prefetch(std::span<const RowIndex> asked) const;
   RowIndex FirstOf(RowIndex left, std::int32_t score);
   void RunScan();
   void RunScanAt(std::vector<Candidate>& queue, std::int32_t score);
   static bool IsBehind(const Candidate& a, const Candidate& b);
   static void Enqueue(std::vector<Candidate>& queue, const Candidate& candidate);
-  Candidate BestOf(RowIndex left) const;
+  Candidate BestOf(RowIndex left);
   void RunZero();
   std::size_t TimesOf(std::int32_t score) const;
+  // Counts a look at a left row.
+  void CountLook();
   void Match(RowIndex left, RowIndex right, std::int32_t score);
   void Finish(std::span<const RowIndex> lefts);
   void DropUsed();
 
   const MatchTables& tables_;
   std::span<const std::int32_t> targets_;
+  const ProgressEvent& on_progress_;
+  std::int64_t looks_ = 0;
   ColumnSet columns_ = 0;           // on which any rows may agree
   std::vector<Subset> subsets_;     // of a score above 0, the highest first
   std::vector<RowIndex> lefts_;     // not done, and able to agree on some column; ascending

@@ -32,7 +32,7 @@ TScoringAlgorithm::Matches TScoringAlgorithm::Execute(std::span<const TScoreRow>
   const auto columns = static_cast<std::size_t>(FColSize + 1);
   const optimise_internal::MatchTables tables(FLeft, FRight, std::span(FWeights).first(columns),
                                               FDiff);
-  Matches matches = optimise_internal::Matcher(tables, FScores).Run();
+  Matches matches = optimise_internal::Matcher(tables, FScores, on_progress_).Run();
   FLeft = FRight = {};
   return matches;
 }

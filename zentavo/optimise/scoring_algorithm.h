@@ -23,7 +23,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "zentavo/framework/variant.h"
@@ -40,6 +42,11 @@ class ZENTAVO_API TScoringAlgorithm {
 
   // The matches in the order in which they are made.
   using Matches = std::array<std::vector<std::int32_t>, 3>;  // left rows, right rows, scores
+
+  // Called now and then during a run with how often a left row has been looked at so far; that may
+  // be more than once for each. Empty for none.
+  using TProgressEvent = std::function<void(std::int64_t Looks)>;
+  void SetOnProgress(TProgressEvent OnProgress) { on_progress_ = std::move(OnProgress); }
 
   // Compares as many columns as there are weights, but no more than the first left row has; what
   // other rows lack counts as empty. A tolerance of 0 or less is none. Scores wrap at 32 bits.
@@ -65,6 +72,8 @@ class ZENTAVO_API TScoringAlgorithm {
 
  private:
   void CheckLimits(std::int32_t columns) const;
+
+  TProgressEvent on_progress_;
 };
 
 }  // namespace zentavo

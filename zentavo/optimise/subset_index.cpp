@@ -1,14 +1,18 @@
 #include "zentavo/optimise/subset_index.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <utility>
+
+#include "zentavo/framework/mix_bits.h"
 
 namespace zentavo::optimise_internal {
 
 namespace {
 
 constexpr RowIndex kNoRow = -1;
+constexpr std::size_t kBlock = 32;  // rows
 // Every further column with two codes on the left doubles the lists to look at.
 constexpr std::size_t kMostNearColumns = 4;
 
@@ -27,13 +31,36 @@ bool SubsetIndex::Build(const MatchTables& tables, ColumnSet columns,
   if (count == 0) return false;
   slots_.assign(std::bit_ceil(count * 2), kNoRow);
   next_.resize(static_cast<std::size_t>(tables.RightCount()));
-  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
-    if (!can_agree(*row)) continue;
-    RowIndex& head = SlotOf(tables, tables.RightCodes(*row));
-    next_[At(*row)] = head;
-    head = *row;
+  // In blocks, so that the memory brings the slots of many rows at the same time.
+  std::array<std::size_t, kBlock> places;
+  std::array<RowIndex, kBlock> block;
+  for (auto row = rows.rbegin(); row != rows.rend();) {
+    std::size_t in_block = 0;
+    for (; in_block < kBlock && row != rows.rend(); ++row) {
+      if (!can_agree(*row)) continue;
+      places[in_block] = PlaceOf(tables.RightCodes(*row));
+      ValueCodes::Prefetch(&slots_[places[in_block]]);
+      block[in_block++] = *row;
+    }
+    for (std::size_t i = 0; i < in_block; ++i) {
+      RowIndex& head = SlotFrom(places[i], tables, tables.RightCodes(block[i]));
+      next_[At(block[i])] = head;
+      head = block[i];
+    }
   }
   return true;
+}
+
+void SubsetIndex::PrefetchSlot(const MatchTables& tables, RowIndex left) const {
+  if (near_.empty()) ValueCodes::Prefetch(&slots_[PlaceOf(tables.LeftCodes(left))]);
+}
+
+void SubsetIndex::PrefetchFirst(const MatchTables& tables, RowIndex left) const {
+  if (!near_.empty()) return;
+  const RowIndex head = slots_[PlaceOf(tables.LeftCodes(left))];
+  if (head == kNoRow) return;
+  ValueCodes::Prefetch(tables.RightCodes(head));
+  ValueCodes::Prefetch(&next_[At(head)]);
 }
 
 void SubsetIndex::ChooseKey(const MatchTables& tables) {
@@ -57,18 +84,27 @@ void SubsetIndex::ChooseKey(const MatchTables& tables) {
   wanted_.resize(tables.Columns().size());
 }
 
+std::size_t SubsetIndex::PlaceOf(const Code* codes) const {
+  std::uint64_t hash = 0;
+  std::uint64_t factor = 0x9E3779B97F4A7C15;
+  for (const std::uint8_t column : key_) {
+    hash += static_cast<std::uint32_t>(codes[column]) * factor;
+    factor += 0x3C6EF372FE94F82A;  // even, so that every factor is odd
+  }
+  return static_cast<std::size_t>(MixBits(hash)) & (slots_.size() - 1);
+}
+
 // The list of the rows with these codes, or the empty slot where it belongs.
 RowIndex& SubsetIndex::SlotOf(const MatchTables& tables, const Code* codes) {
-  std::uint64_t hash = 0;
-  for (const std::uint8_t column : key_) {
-    hash = MixBits(hash + static_cast<std::uint32_t>(codes[column]));
-  }
+  return SlotFrom(PlaceOf(codes), tables, codes);
+}
+
+RowIndex& SubsetIndex::SlotFrom(std::size_t place, const MatchTables& tables, const Code* codes) {
   const std::size_t mask = slots_.size() - 1;
-  std::size_t at = static_cast<std::size_t>(hash) & mask;
-  while (slots_[at] != kNoRow && !SameKey(tables.RightCodes(slots_[at]), codes)) {
-    at = (at + 1) & mask;
+  while (slots_[place] != kNoRow && !SameKey(tables.RightCodes(slots_[place]), codes)) {
+    place = (place + 1) & mask;
   }
-  return slots_[at];
+  return slots_[place];
 }
 
 bool SubsetIndex::SameKey(const Code* a, const Code* b) const {

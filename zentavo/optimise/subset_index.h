@@ -20,6 +20,11 @@ class SubsetIndex {
   bool Build(const MatchTables& tables, ColumnSet columns, std::span<const RowIndex> rows);
   ColumnSet Columns() const { return columns_; }
 
+  // Asks the memory for what First for that left row will touch: its list's slot, and then, behind
+  // that, the first row of the list.
+  void PrefetchSlot(const MatchTables& tables, RowIndex left) const;
+  void PrefetchFirst(const MatchTables& tables, RowIndex left) const;
+
   // The first row before `limit` that is not used and, with `score`, scores exactly that beside
   // the left row; `limit` when there is none. The left row can agree on all columns.
   RowIndex First(const MatchTables& tables, const UsedRows& used, RowIndex left, RowIndex limit,
@@ -34,7 +39,9 @@ class SubsetIndex {
   static constexpr std::size_t kSlotsPerRow = 3;  // between 2 and 4
 
   void ChooseKey(const MatchTables& tables);
+  std::size_t PlaceOf(const Code* codes) const;
   RowIndex& SlotOf(const MatchTables& tables, const Code* codes);
+  RowIndex& SlotFrom(std::size_t place, const MatchTables& tables, const Code* codes);
   bool SameKey(const Code* a, const Code* b) const;
   RowIndex FirstInList(const MatchTables& tables, const UsedRows& used, RowIndex left,
                        RowIndex limit, std::int32_t score, RowIndex& head);

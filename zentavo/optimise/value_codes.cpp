@@ -4,6 +4,9 @@
 #include <cmath>
 #include <cstring>
 
+#include "zentavo/framework/mix_bits.h"
+#include "zentavo/framework/text_hash.h"
+
 namespace zentavo::optimise_internal {
 
 namespace {
@@ -13,19 +16,6 @@ constexpr std::uint64_t kKindBit = 0x80000000;  // in the tag, not in the place
 
 constexpr std::uint32_t TagOf(std::uint64_t hash) {
   return static_cast<std::uint32_t>(hash);
-}
-
-std::uint64_t HashText(StringView text) {
-  constexpr std::size_t kUnits = sizeof(std::uint64_t) / sizeof(char16_t);
-  std::uint64_t hash = text.size();
-  while (!text.empty()) {
-    const std::size_t count = text.size() < kUnits ? text.size() : kUnits;
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data(), count * sizeof(char16_t));
-    hash = MixBits(hash + word);
-    text.remove_prefix(count);
-  }
-  return hash;
 }
 
 bool IsInteger(double value) {
@@ -46,7 +36,7 @@ ValueKey ValueKey::OfReal(double value) {
 }
 
 ValueKey ValueKey::OfText(StringView value) {
-  return {value.size(), value, HashText(value)};
+  return {value.size(), value, MixBits(text_hash::Hash(0, value))};
 }
 
 void ValueCodes::Reset(std::size_t most) {
