@@ -20,96 +20,114 @@ constexpr std::array<bool, 128> kEndsBare = [] {
 // A number as written: digits, perhaps a point and an exponent.
 struct Decimal {
   std::uint64_t digits = 0;
-  int digit_count = 0;
+  std::ptrdiff_t digit_count = 0;
   int exponent = 0;  // of ten
   bool negative = false;
   bool whole = true;
 };
 
-constexpr int kMostDigits = 18;  // that fit `digits` for sure
+constexpr std::ptrdiff_t kMostDigits = 18;  // that fit `digits` for sure
 
-// Reads digits into `number` and returns how many there were.
-int ReadDigits(const char16_t*& here, const char16_t* end, Decimal& number) {
-  const char16_t* start = here;
-  for (; here < end && IsDigit(*here); ++here) {
-    if (++number.digit_count > kMostDigits) return 0;
-    number.digits = number.digits * 10 + static_cast<std::uint64_t>(*here - u'0');
+// Reads digits into `number` and returns where they end.
+template <typename Unit>
+const Unit* ReadDigits(const Unit* here, const Unit* end, Decimal& number) {
+  const Unit* start = here;
+  for (; here != end; ++here) {
+    const auto digit = static_cast<std::uint32_t>(*here) - u'0';
+    if (digit > 9) break;
+    number.digits = number.digits * 10 + digit;
   }
-  return static_cast<int>(here - start);
+  number.digit_count += here - start;
+  return here;
 }
 
-bool ReadExponent(const char16_t*& here, const char16_t* end, Decimal& number) {
+// From behind the 'e' on; null when it is no short exponent.
+template <typename Unit>
+const Unit* ReadExponent(const Unit* here, const Unit* end, Decimal& number) {
   number.whole = false;
-  const bool negative = ++here < end && *here == u'-';
-  if (negative || (here < end && *here == u'+')) ++here;
+  const bool negative = here != end && *here == '-';
+  if (negative || (here != end && *here == '+')) ++here;
   Decimal exponent;
-  const int count = ReadDigits(here, end, exponent);
-  if (count == 0 || count > 3) return false;
-  number.exponent += static_cast<int>(negative ? -exponent.digits : exponent.digits);
-  return true;
+  here = ReadDigits(here, end, exponent);
+  if (exponent.digit_count == 0 || exponent.digit_count > 3) return nullptr;
+  const auto value = static_cast<int>(exponent.digits);
+  number.exponent += negative ? -value : value;
+  return here;
 }
 
-// Reads a short number in the strict form; false for all others.
-bool ReadStrictNumber(const char16_t*& here, const char16_t* end, Decimal& number) {
-  number.negative = *here == u'-';
+// Reads a short number in the strict form; null for all others.
+template <typename Unit>
+const Unit* ReadStrictNumber(const Unit* here, const Unit* end, Decimal& number) {
+  number.negative = *here == '-';
   if (number.negative) ++here;
-  if (ReadDigits(here, end, number) == 0) return false;
-  if (here < end && *here == u'.') {
-    const int decimals = ReadDigits(++here, end, number);
-    if (decimals == 0) return false;
-    number.exponent = -decimals;
+  here = ReadDigits(here, end, number);
+  const std::ptrdiff_t whole_digits = number.digit_count;
+  if (whole_digits == 0) return nullptr;
+  if (here != end && *here == '.') {
+    here = ReadDigits(here + 1, end, number);
     number.whole = false;
+    number.exponent = -static_cast<int>(number.digit_count - whole_digits);
+    if (number.exponent == 0) return nullptr;
   }
-  return here == end || (*here | 0x20) != u'e' || ReadExponent(here, end, number);
+  if (number.digit_count > kMostDigits) return nullptr;
+  return here != end && (*here | 0x20) == 'e' ? ReadExponent(here + 1, end, number) : here;
 }
 
 // The value when one exact multiplication or division gives it.
-std::optional<double> ExactDouble(const Decimal& number) {
+bool SetExactDouble(Slot* slot, const Decimal& number) {
   static constexpr std::array<double, 23> kPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   constexpr int kMost = static_cast<int>(kPowers.size()) - 1;
-  if (number.digits > (std::uint64_t{1} << 53)) return std::nullopt;
-  if (number.exponent < -kMost || number.exponent > kMost) return std::nullopt;
-  const auto digits = static_cast<double>(number.digits);
+  if (number.digits > (std::uint64_t{1} << 53)) return false;
+  if (number.exponent < -kMost || number.exponent > kMost) return false;
+  const auto digits = static_cast<double>(static_cast<std::int64_t>(number.digits));
   const double power =
       kPowers[static_cast<std::size_t>(number.exponent < 0 ? -number.exponent : number.exponent)];
   const double value = number.exponent < 0 ? digits / power : digits * power;
-  return number.negative && value != 0 ? -value : value;
+  *slot = Slot::OfDouble(number.negative && number.digits != 0 ? -value : value);
+  return true;
 }
 
-bool SetSlot(Slot& slot, const Decimal& number) {
+bool SetNumber(Slot* slot, const Decimal& number) {
   constexpr std::uint64_t kMostInteger = std::numeric_limits<std::int32_t>::max();
-  if (number.whole && number.digits <= kMostInteger) {
-    const auto value = static_cast<std::int32_t>(number.digits);
-    slot = Slot::OfInteger(number.negative ? -value : value);
-    return true;
+  if (!number.whole) return SetExactDouble(slot, number);
+  if (number.digits > kMostInteger) {
+    return number.digits > kMostInteger + 1 && SetExactDouble(slot, number);
   }
-  if (number.whole && number.digits == kMostInteger + 1) return false;
-  const std::optional<double> value = ExactDouble(number);
-  if (value) slot = Slot::OfDouble(*value);
-  return value.has_value();
+  const auto value = static_cast<std::int32_t>(number.digits);
+  *slot = Slot::OfInteger(number.negative ? -value : value);
+  return true;
 }
 
-const char16_t* ReadPlainNumber(const char16_t* here, const char16_t* end, Slot& slot) {
-  const bool octal = *here == u'0' && end - here > 1 && here[1] != u'.' && !EndsBare(here[1]);
+template <typename Unit>
+const Unit* ReadPlainNumber(const Unit* here, const Unit* end, Slot* slot) {
+  const bool octal = *here == '0' && end - here > 1 && here[1] != '.' && !EndsBare(here[1]);
+  if (octal) return nullptr;
   Decimal number;
-  if (octal || !ReadStrictNumber(here, end, number) || !SetSlot(slot, number)) return nullptr;
-  return here;
+  here = ReadStrictNumber(here, end, number);
+  return here != nullptr && SetNumber(slot, number) ? here : nullptr;
 }
 
-const char16_t* ReadWord(const char16_t* here, const char16_t* end, StringView word) {
-  const StringView rest(here, static_cast<std::size_t>(end - here));
-  return rest.starts_with(word) ? here + word.size() : nullptr;
+template <typename Unit, std::size_t kSize>
+const Unit* ReadWord(const Unit* here, const Unit* end, const char (&word)[kSize]) {
+  constexpr std::size_t kLength = kSize - 1;
+  if (static_cast<std::size_t>(end - here) < kLength) return nullptr;
+  for (std::size_t index = 0; index < kLength; ++index) {
+    if (here[index] != static_cast<Unit>(word[index])) return nullptr;
+  }
+  return here + kLength;
 }
 
-const char16_t* ReadPlain(const char16_t* here, const char16_t* end, Slot& slot) {
-  if (IsDigit(*here) || *here == u'-') return ReadPlainNumber(here, end, slot);
+template <typename Unit>
+const Unit* ReadPlain(const Unit* here, const Unit* end, Slot* slot) {
   switch (*here) {
-    case u't': slot = Slot::OfBoolean(true); return ReadWord(here, end, u"true");
-    case u'f': slot = Slot::OfBoolean(false); return ReadWord(here, end, u"false");
-    case u'n': slot = Slot::Of(SlotKind::kNull); return ReadWord(here, end, u"null");
-    default: return nullptr;
+    case 't': *slot = Slot::OfBoolean(true); return ReadWord(here, end, "true");
+    case 'f': *slot = Slot::OfBoolean(false); return ReadWord(here, end, "false");
+    case 'n': *slot = Slot::Of(SlotKind::kNull); return ReadWord(here, end, "null");
+    case '-': return ReadPlainNumber(here, end, slot);
+    default:
+      return IsDigit(static_cast<char16_t>(*here)) ? ReadPlainNumber(here, end, slot) : nullptr;
   }
 }
 
@@ -154,11 +172,16 @@ bool EndsBare(char16_t unit) {
   return unit < kEndsBare.size() && kEndsBare[unit];
 }
 
-const char16_t* ReadPlainValue(const char16_t* here, const char16_t* end, Slot& slot) {
-  if (here == end) return nullptr;
-  const char16_t* behind = ReadPlain(here, end, slot);
-  return behind == end || (behind != nullptr && EndsBare(*behind)) ? behind : nullptr;
+template <typename Unit>
+const Unit* ReadPlainValue(const Unit* here, const Unit* end, Slot* slot) {
+  const Unit* behind = ReadPlain(here, end, slot);
+  if (behind == nullptr) return nullptr;
+  while (behind != end && *behind == ' ') ++behind;
+  return behind == end || EndsBare(*behind) ? behind : nullptr;
 }
+
+template const char16_t* ReadPlainValue(const char16_t*, const char16_t*, Slot*);
+template const char* ReadPlainValue(const char*, const char*, Slot*);
 
 Slot ReadBareValue(StringView bare) {
   const char16_t first = bare[0];
@@ -166,16 +189,16 @@ Slot ReadBareValue(StringView bare) {
     if (IsWord(bare, u"true")) return Slot::OfBoolean(true);
     if (IsWord(bare, u"false")) return Slot::OfBoolean(false);
     if (IsWord(bare, u"null")) return Slot::Of(SlotKind::kNull);
-    return Slot::Of(SlotKind::kText);
+    return Slot::OfText(bare);
   }
   Slot plain;
-  if (ReadPlainValue(bare.data(), bare.data() + bare.size(), plain) != nullptr) return plain;
+  if (ReadPlainValue(bare.data(), bare.data() + bare.size(), &plain) != nullptr) return plain;
   if (const std::optional<std::int32_t> value = ReadHexOrOctal(bare)) {
     return Slot::OfInteger(*value);
   }
   if (const std::optional<std::int32_t> value = TryStrToInt(bare)) return Slot::OfInteger(*value);
   if (const std::optional<double> value = ReadDouble(bare)) return Slot::OfDouble(*value);
-  return Slot::Of(SlotKind::kText);
+  return Slot::OfText(bare);
 }
 
 }  // namespace zentavo::json_internal
