@@ -17,96 +17,96 @@ constexpr std::array<bool, 128> kEndsBare = [] {
   return ends;
 }();
 
-// A number as written: digits, perhaps a point and an exponent.
-struct Decimal {
-  std::uint64_t digits = 0;
-  std::ptrdiff_t digit_count = 0;
-  int exponent = 0;  // of ten
-  bool negative = false;
-  bool whole = true;
+constexpr std::ptrdiff_t kMostDigits = 18;  // that fit 64 bits for sure
+
+template <typename Unit>
+struct Digits {
+  std::uint64_t value;
+  const Unit* behind;
 };
 
-constexpr std::ptrdiff_t kMostDigits = 18;  // that fit `digits` for sure
-
-// Reads digits into `number` and returns where they end.
+// Goes on with the digits of `value`.
 template <typename Unit>
-const Unit* ReadDigits(const Unit* here, const Unit* end, Decimal& number) {
-  const Unit* start = here;
+Digits<Unit> TakeDigits(const Unit* here, const Unit* end, std::uint64_t value) {
   for (; here != end; ++here) {
     const auto digit = static_cast<std::uint32_t>(*here) - u'0';
     if (digit > 9) break;
-    number.digits = number.digits * 10 + digit;
+    value = value * 10 + digit;
   }
-  number.digit_count += here - start;
-  return here;
-}
-
-// From behind the 'e' on; null when it is no short exponent.
-template <typename Unit>
-const Unit* ReadExponent(const Unit* here, const Unit* end, Decimal& number) {
-  number.whole = false;
-  const bool negative = here != end && *here == '-';
-  if (negative || (here != end && *here == '+')) ++here;
-  Decimal exponent;
-  here = ReadDigits(here, end, exponent);
-  if (exponent.digit_count == 0 || exponent.digit_count > 3) return nullptr;
-  const auto value = static_cast<int>(exponent.digits);
-  number.exponent += negative ? -value : value;
-  return here;
-}
-
-// Reads a short number in the strict form; null for all others.
-template <typename Unit>
-const Unit* ReadStrictNumber(const Unit* here, const Unit* end, Decimal& number) {
-  number.negative = *here == '-';
-  if (number.negative) ++here;
-  here = ReadDigits(here, end, number);
-  const std::ptrdiff_t whole_digits = number.digit_count;
-  if (whole_digits == 0) return nullptr;
-  if (here != end && *here == '.') {
-    here = ReadDigits(here + 1, end, number);
-    number.whole = false;
-    number.exponent = -static_cast<int>(number.digit_count - whole_digits);
-    if (number.exponent == 0) return nullptr;
-  }
-  if (number.digit_count > kMostDigits) return nullptr;
-  return here != end && (*here | 0x20) == 'e' ? ReadExponent(here + 1, end, number) : here;
+  return {value, here};
 }
 
 // The value when one exact multiplication or division gives it.
-bool SetExactDouble(Slot* slot, const Decimal& number) {
+std::optional<double> ExactDouble(std::uint64_t digits, int exponent) {
   static constexpr std::array<double, 23> kPowers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   constexpr int kMost = static_cast<int>(kPowers.size()) - 1;
-  if (number.digits > (std::uint64_t{1} << 53)) return false;
-  if (number.exponent < -kMost || number.exponent > kMost) return false;
-  const auto digits = static_cast<double>(static_cast<std::int64_t>(number.digits));
-  const double power =
-      kPowers[static_cast<std::size_t>(number.exponent < 0 ? -number.exponent : number.exponent)];
-  const double value = number.exponent < 0 ? digits / power : digits * power;
-  *slot = Slot::OfDouble(number.negative && number.digits != 0 ? -value : value);
-  return true;
+  if (digits > (std::uint64_t{1} << 53) || exponent < -kMost || exponent > kMost) {
+    return std::nullopt;
+  }
+  const auto whole = static_cast<double>(static_cast<std::int64_t>(digits));
+  if (exponent < 0) return whole / kPowers[static_cast<std::size_t>(-exponent)];
+  return whole * kPowers[static_cast<std::size_t>(exponent)];
 }
 
-bool SetNumber(Slot* slot, const Decimal& number) {
-  constexpr std::uint64_t kMostInteger = std::numeric_limits<std::int32_t>::max();
-  if (!number.whole) return SetExactDouble(slot, number);
-  if (number.digits > kMostInteger) {
-    return number.digits > kMostInteger + 1 && SetExactDouble(slot, number);
-  }
-  const auto value = static_cast<std::int32_t>(number.digits);
-  *slot = Slot::OfInteger(number.negative ? -value : value);
+// A negative zero has no sign.
+bool SetDouble(Slot* slot, bool negative, std::uint64_t digits, int exponent) {
+  const std::optional<double> value = ExactDouble(digits, exponent);
+  if (value) *slot = Slot::OfDouble(negative && digits != 0 ? -*value : *value);
+  return value.has_value();
+}
+
+bool SetInteger(Slot* slot, bool negative, std::uint64_t digits) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
+  if (digits > kMost) return digits > kMost + 1 && SetDouble(slot, negative, digits, 0);
+  const auto value = static_cast<std::int32_t>(digits);
+  *slot = Slot::OfInteger(negative ? -value : value);
   return true;
 }
 
 template <typename Unit>
+bool IsExponent(const Unit* here, const Unit* end) {
+  return here != end && (*here == 'e' || *here == 'E');
+}
+
+// Reads the exponent behind an 'e'; null when it is no short one.
+template <typename Unit>
+const Unit* TakeExponent(const Unit* here, const Unit* end, int& exponent) {
+  const bool negative = here != end && *here == '-';
+  if (negative || (here != end && *here == '+')) ++here;
+  const Digits<Unit> digits = TakeDigits(here, end, 0);
+  const std::ptrdiff_t count = digits.behind - here;
+  if (count == 0 || count > 3) return nullptr;
+  exponent = negative ? -static_cast<int>(digits.value) : static_cast<int>(digits.value);
+  return digits.behind;
+}
+
+// Reads a short number in the strict form; null for all others.
+template <typename Unit>
 const Unit* ReadPlainNumber(const Unit* here, const Unit* end, Slot* slot) {
-  const bool octal = *here == '0' && end - here > 1 && here[1] != '.' && !EndsBare(here[1]);
-  if (octal) return nullptr;
-  Decimal number;
-  here = ReadStrictNumber(here, end, number);
-  return here != nullptr && SetNumber(slot, number) ? here : nullptr;
+  const bool negative = *here == '-';
+  const Unit* start = negative ? here + 1 : here;
+  const Digits<Unit> whole = TakeDigits(start, end, 0);
+  const std::ptrdiff_t whole_count = whole.behind - start;
+  const bool octal = !negative && whole_count > 1 && *start == '0';
+  if (whole_count == 0 || whole_count > kMostDigits || octal) return nullptr;
+  const bool has_point = whole.behind != end && *whole.behind == '.';
+  if (!has_point && !IsExponent(whole.behind, end)) {
+    return SetInteger(slot, negative, whole.value) ? whole.behind : nullptr;
+  }
+  Digits<Unit> all = whole;
+  int exponent = 0;
+  std::ptrdiff_t decimals = 0;
+  if (has_point) {
+    all = TakeDigits(whole.behind + 1, end, whole.value);
+    decimals = all.behind - whole.behind - 1;
+    if (decimals == 0 || whole_count + decimals > kMostDigits) return nullptr;
+  }
+  if (IsExponent(all.behind, end)) all.behind = TakeExponent(all.behind + 1, end, exponent);
+  if (all.behind == nullptr) return nullptr;
+  exponent -= static_cast<int>(decimals);
+  return SetDouble(slot, negative, all.value, exponent) ? all.behind : nullptr;
 }
 
 template <typename Unit, std::size_t kSize>

@@ -14,7 +14,6 @@ namespace zentavo::json_internal {
 namespace {
 
 using Pair = std::array<char16_t, 2>;
-using Head = std::array<char16_t, 4>;
 
 // Two upper-case hexadecimal digits for each byte.
 constexpr std::array<Pair, 256> kHexPairs = [] {
@@ -36,12 +35,10 @@ constexpr std::array<Pair, 100> kDigitPairs = [] {
   return pairs;
 }();
 
-// What a unit becomes: the first four units of it, of which two hexadecimal digits may follow. So
-// every unit is written in the same steps, and no branch depends on the text.
-struct Escapes {
-  // By the unit itself below 256, by 256 + its high byte for the others.
-  std::array<Head, 512> heads{};
-  std::array<std::uint8_t, 512> lengths{};
+// What a unit becomes. Copied whole, so that no branch depends on its length.
+struct alignas(16) Escape {
+  std::array<char16_t, 7> text;
+  char16_t length;
 };
 
 constexpr bool IsPlain(char16_t unit) {
@@ -57,20 +54,19 @@ constexpr char16_t LetterOf(char16_t unit) {
   return 0;
 }
 
-constexpr Escapes kEscapes = [] {
-  Escapes escapes;
-  for (std::size_t index = 0; index < 512; ++index) {
-    const std::size_t high = index < 256 ? 0 : index - 256;
-    const auto unit = static_cast<char16_t>(index < 256 ? index : 0xFFFF);
-    escapes.heads[index] = {u'\\', u'u', kHexPairs[high][0], kHexPairs[high][1]};
-    escapes.lengths[index] = kUnitsOfUnit;
-    if (IsPlain(unit)) {
-      escapes.heads[index] = {unit};
-      escapes.lengths[index] = 1;
-    } else if (LetterOf(unit) != 0) {
-      escapes.heads[index] = {u'\\', LetterOf(unit)};
-      escapes.lengths[index] = 2;
-    }
+constexpr Escape EscapeOf(char16_t unit) {
+  if (IsPlain(unit)) return {{unit}, 1};
+  if (LetterOf(unit) != 0) return {{u'\\', LetterOf(unit)}, 2};
+  const Pair high = kHexPairs[unit >> 8];
+  const Pair low = kHexPairs[unit & 0xFF];
+  return {{u'\\', u'u', high[0], high[1], low[0], low[1]}, kUnitsOfUnit};
+}
+
+// For the units that UTF-8 writes in one or two bytes: the alphabets from Latin to Arabic.
+constexpr std::array<Escape, 0x800> kEscapes = [] {
+  std::array<Escape, 0x800> escapes{};
+  for (std::size_t unit = 0; unit < escapes.size(); ++unit) {
+    escapes[unit] = EscapeOf(static_cast<char16_t>(unit));
   }
   return escapes;
 }();
@@ -141,14 +137,18 @@ std::optional<std::uint64_t> Millionths(double value) {
 }  // namespace
 
 char16_t* WriteEscaped(char16_t* out, StringView part, char16_t before) {
-  for (std::size_t index = 0; index < part.size(); ++index) {
-    const char16_t unit = part[index];
-    if (unit == u'/' && (index > 0 ? part[index - 1] : before) == u'<') *out++ = u'\\';
-    const std::size_t high = unit >> 8;
-    const std::size_t entry = high == 0 ? unit : 256 + high;
-    std::memcpy(out, kEscapes.heads[entry].data(), sizeof(Head));
-    std::memcpy(out + 4, kHexPairs[unit & 0xFF].data(), sizeof(Pair));
-    out += kEscapes.lengths[entry];
+  const char16_t* end = part.data() + part.size();
+  for (const char16_t* here = part.data(); here != end; ++here) {
+    const char16_t unit = *here;
+    if (unit == u'/' && (here == part.data() ? before : here[-1]) == u'<') *out++ = u'\\';
+    if (unit < kEscapes.size()) {
+      std::memcpy(out, &kEscapes[unit], sizeof(Escape));
+      out += kEscapes[unit].length;
+    } else {
+      out = WritePair(out, {u'\\', u'u'});
+      out = WritePair(out, kHexPairs[unit >> 8]);
+      out = WritePair(out, kHexPairs[unit & 0xFF]);
+    }
   }
   return out;
 }

@@ -5,76 +5,27 @@
 
 #include "zentavo/json/run.h"
 #include "zentavo/json/scalar_text.h"
+#include "zentavo/json/unfilled_text.h"
 #include "zentavo/json/value_view.h"
 
 namespace zentavo::json_internal {
 
 namespace {
 
-// The text that a writer fills part by part.
-class Target {
- public:
-  Target() = default;
-  Target(const Target&) = delete;
-  Target& operator=(const Target&) = delete;
-  virtual ~Target() = default;
-  // `done` tells what share of everything has been written with this part.
-  virtual void Add(StringView part, double done) = 0;
-};
-
-template <typename Text>
-class TextTarget : public Target {
- public:
-  explicit TextTarget(Text& text) : text_(text) {}
-
-  void Add(StringView part, double done) override {
-    const std::size_t need = text_.size() + part.size();
-    if (need > text_.capacity()) text_.reserve(Guess(need, done));
-    Append(part);
-  }
-
- private:
-  // The size that the text will have. A guess from the first part may be far off, so it is not
-  // trusted for much more than that.
-  static std::size_t Guess(std::size_t need, double done) {
-    constexpr double kMargin = 1.125;
-    constexpr double kMost = 16;
-    if (done >= 1) return need;
-    return static_cast<std::size_t>(static_cast<double>(need) *
-                                    std::clamp(kMargin / std::max(done, 1e-9), 1.5, kMost));
-  }
-
-  void Append(StringView part) {
-    if constexpr (sizeof(typename Text::value_type) == sizeof(char16_t)) {
-      text_.append(part);
-    } else {
-      const std::size_t size = text_.size();
-      text_.resize(size + part.size());
-      std::transform(part.begin(), part.end(), text_.begin() + static_cast<std::ptrdiff_t>(size),
-                     [](char16_t unit) { return static_cast<char>(unit); });
-    }
-  }
-
-  Text& text_;
-};
-
-// Writes one value with all that is in it. Containers that are open are kept in a list of their
-// own, so that nesting takes no stack. Units go to a room of fixed size first; the functions below
-// write from `out` on and return the end, behind which at least kSlack units are free.
+// Appends one value with all that is in it to a text. Containers that are open are kept in a list
+// of their own, so that nesting takes no stack. Units go to a room of fixed size first, then into
+// the text itself; the functions below write from `out` on and return the end, behind which at
+// least kSlack units are free.
 class Writer {
  public:
-  Writer(Target& target, std::optional<Indentation> indentation)
-      : target_(target),
+  Writer(String& text, std::optional<Indentation> indentation)
+      : text_(text),
         factor_(indentation ? indentation->factor : 0),
         indent_(indentation ? indentation->indent : 0),
         indented_(indentation.has_value()) {}
 
-  void Write(const Slot& value) {
-    char16_t* out = WriteValue(room_.data(), value, indent_);
-    while (!open_.Empty()) out = WriteNext(out);
-    target_.Add(Written(out), 1);
-  }
-  void WriteQuoted(StringView text) { target_.Add(Written(WriteText(room_.data(), text)), 1); }
+  void Write(const Slot& value) { Finish(WriteAll(first_room_.data(), value)); }
+  void WriteQuoted(StringView text) { Finish(WriteText(first_room_.data(), text)); }
 
  private:
   struct Open {
@@ -87,52 +38,90 @@ class Writer {
     bool broken;  // one value a line
   };
 
-  static constexpr std::size_t kRoom = 8192;
+  static constexpr std::size_t kFirstRoom = 1024;
   static constexpr std::size_t kSlack = 64;
 
-  StringView Written(const char16_t* out) const {
-    return {room_.data(), static_cast<std::size_t>(out - room_.data())};
-  }
   // Makes room for so many units and the slack.
   char16_t* Room(char16_t* out, std::size_t units) {
-    const auto used = static_cast<std::size_t>(out - room_.data());
-    return units + kSlack <= room_.size() - used ? out : Flush(out);
+    return units + kSlack <= static_cast<std::size_t>(end_ - out) ? out : Grow(out, units);
   }
-  char16_t* Flush(const char16_t* out) {
-    target_.Add(Written(out), Done());
-    return room_.data();
-  }
+  char16_t* Grow(char16_t* out, std::size_t units);
+  void Finish(const char16_t* out);
   double Done() const;
+  static double DoneIn(const Open& open) {
+    return static_cast<double>(open.next - open.first) / static_cast<double>(open.end - open.first);
+  }
 
+  char16_t* WriteAll(char16_t* out, const Slot& value);
   char16_t* WriteNext(char16_t* out);
+  char16_t* OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent);
   char16_t* Close(char16_t* out);
-  char16_t* WriteKey(char16_t* out, StringView key);
+  char16_t* WriteBefore(char16_t* out);
   char16_t* WriteText(char16_t* out, StringView text);
   char16_t* WriteLongText(char16_t* out, StringView text);
   char16_t* WriteWord(char16_t* out, StringView word);
-  char16_t* WriteValue(char16_t* out, const Slot& value, std::int32_t indent);
   char16_t* WriteScalar(char16_t* out, const Slot& value);
   char16_t* WriteBoxed(char16_t* out, const Slot& value);
-  char16_t* OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent);
   char16_t* BreakLine(char16_t* out, std::int32_t indent);
 
-  Target& target_;
+  String& text_;
+  std::size_t old_size_ = text_.size();
   std::int32_t factor_;
   std::int32_t indent_;
   bool indented_;
-  Run<Open, 16> open_;
-  std::array<char16_t, kRoom + kSlack> room_;
+  Open top_{};          // the innermost container
+  Run<Open, 16> open_;  // those around it
+  std::array<char16_t, kFirstRoom> first_room_;
+  char16_t* end_ = first_room_.data() + first_room_.size();
+  bool in_text_ = false;
 };
 
-// As if all values of a container were of one size.
+// Moves on into the text, which gets the size that it may have in the end. A guess from the first
+// part may be far off, so it is not trusted for much more than that.
+char16_t* Writer::Grow(char16_t* out, std::size_t units) {
+  constexpr double kMargin = 1.125;
+  constexpr double kLeast = 1.5;
+  constexpr std::size_t kSmall = 65536;
+  const char16_t* start = in_text_ ? text_.data() + old_size_ : first_room_.data();
+  const auto done = static_cast<std::size_t>(out - start);
+  const double most = done < kSmall ? 16 : 1024;
+  const double factor = std::clamp(kMargin / std::max(Done(), 1e-9), kLeast, most);
+  const auto guess = static_cast<std::size_t>(static_cast<double>(done + units + kSlack) * factor);
+  ResizeUnfilled(text_, old_size_ + (in_text_ ? done : 0));
+  text_.reserve(old_size_ + guess);
+  if (!in_text_) text_.append(first_room_.data(), done);
+  in_text_ = true;
+  ResizeUnfilled(text_, text_.capacity());
+  end_ = text_.data() + text_.size();
+  return text_.data() + old_size_ + done;
+}
+
+void Writer::Finish(const char16_t* out) {
+  if (in_text_) {
+    ResizeUnfilled(text_, static_cast<std::size_t>(out - text_.data()));
+  } else {
+    text_.append(first_room_.data(), static_cast<std::size_t>(out - first_room_.data()));
+  }
+}
+
+// The share of the value that is written, as if all values of a container were of one size.
 double Writer::Done() const {
-  double done = 0;
-  double share = 1;
-  for (const Open* open = open_.Begin(); open != open_.Begin() + open_.Size(); ++open) {
-    share /= static_cast<double>(open->end - open->first);
-    done += share * static_cast<double>(open->next - open->first - 1);
+  if (top_.first == nullptr) return 1;
+  double done = DoneIn(top_);
+  for (std::size_t index = open_.Size(); index-- > 0;) {
+    const Open& around = open_.Begin()[index];
+    const auto count = static_cast<double>(around.end - around.first);
+    done = (static_cast<double>(around.next - around.first) - 1 + done) / count;
   }
   return done;
+}
+
+char16_t* Writer::WriteAll(char16_t* out, const Slot& value) {
+  const bool is_container = value.kind == SlotKind::kContainer;
+  if (!value.IsNested() && !is_container) return WriteScalar(out, value);
+  out = OpenContainer(out, is_container ? CellsOf(value.object) : Cells(value), indent_);
+  while (top_.first != nullptr) out = WriteNext(out);
+  return out;
 }
 
 char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent) {
@@ -141,41 +130,45 @@ char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t 
     *out++ = cells.Keyed() ? u'}' : u']';
     return out;
   }
+  if (top_.first != nullptr) open_.Add(top_);
   const bool broken = indented_ && cells.Count() > 1;
-  *open_.New() = {
-      cells.First(), cells.First(), cells.End(), indent, broken ? indent + factor_ : indent,
-      cells.Keyed(), broken};
+  const std::int32_t child_indent = broken ? indent + factor_ : indent;
+  top_ = {cells.First(), cells.First(), cells.End(), indent, child_indent, cells.Keyed(), broken};
   return out;
 }
 
-// Writes the values of the innermost container up to its end or to a container in it.
-char16_t* Writer::WriteNext(char16_t* out) {
-  Open& top = open_.Last();
-  const Slot* next = top.next;
-  const bool plain = !indented_;
-  while (next != top.end) {
-    out = Room(out, 0);
-    if (next != top.first) *out++ = u',';
-    if (top.broken) out = BreakLine(out, top.child_indent);
-    if (top.keyed) {
-      out = WriteText(out, next++->Text());
-      *out++ = u':';
-      if (!plain) *out++ = u' ';
-    }
-    const Slot& value = *next++;
-    top.next = next;
-    if (value.IsNested()) return OpenContainer(out, Cells(value), top.child_indent);
-    if (value.IsOwned()) return WriteValue(out, value, top.child_indent);
-    out = WriteScalar(out, value);
-  }
-  return Close(Room(out, 0));
+// Writes the next value of the innermost container, or its end.
+inline char16_t* Writer::WriteNext(char16_t* out) {
+  out = Room(out, 0);
+  if (top_.next == top_.end) return Close(out);
+  out = WriteBefore(out);
+  const Slot& value = *top_.next++;
+  if (value.IsNested()) return OpenContainer(out, Cells(value), top_.child_indent);
+  if (value.kind != SlotKind::kContainer) return WriteScalar(out, value);
+  return OpenContainer(out, CellsOf(value.object), top_.child_indent);
 }
 
-char16_t* Writer::Close(char16_t* out) {
-  const Open& top = open_.Last();
-  if (top.broken) out = BreakLine(out, top.indent);
-  *out++ = top.keyed ? u'}' : u']';
-  open_.RemoveLast();
+inline char16_t* Writer::Close(char16_t* out) {
+  if (top_.broken) out = BreakLine(out, top_.indent);
+  *out++ = top_.keyed ? u'}' : u']';
+  if (open_.Empty()) {
+    top_.first = nullptr;
+  } else {
+    top_ = open_.Last();
+    open_.RemoveLast();
+  }
+  return out;
+}
+
+// What stands before a value: comma, line break, key.
+inline char16_t* Writer::WriteBefore(char16_t* out) {
+  if (top_.next != top_.first) *out++ = u',';
+  if (top_.broken) out = BreakLine(out, top_.child_indent);
+  if (!top_.keyed) return out;
+  out = WriteText(out, top_.next->Text());
+  ++top_.next;
+  *out++ = u':';
+  if (indented_) *out++ = u' ';
   return out;
 }
 
@@ -189,7 +182,7 @@ char16_t* Writer::BreakLine(char16_t* out, std::int32_t indent) {
   return out;
 }
 
-char16_t* Writer::WriteText(char16_t* out, StringView text) {
+inline char16_t* Writer::WriteText(char16_t* out, StringView text) {
   constexpr std::size_t kShort = 256;
   if (text.size() > kShort) return WriteLongText(out, text);
   out = Room(out, text.size() * kUnitsOfUnit);
@@ -223,15 +216,9 @@ char16_t* Writer::WriteScalar(char16_t* out, const Slot& value) {
     case SlotKind::kDouble: return WriteDouble(Room(out, kUnitsOfDouble), value.number);
     case SlotKind::kFalse: return WriteWord(out, u"false");
     case SlotKind::kTrue: return WriteWord(out, u"true");
+    case SlotKind::kBoxed: return WriteBoxed(out, value);
     default: return WriteWord(out, u"null");
   }
-}
-
-char16_t* Writer::WriteValue(char16_t* out, const Slot& value, std::int32_t indent) {
-  out = Room(out, 0);
-  if (value.IsNested()) return OpenContainer(out, Cells(value), indent);
-  if (value.kind == SlotKind::kContainer) return OpenContainer(out, CellsOf(value.object), indent);
-  return value.kind == SlotKind::kBoxed ? WriteBoxed(out, value) : WriteScalar(out, value);
 }
 
 char16_t* Writer::WriteBoxed(char16_t* out, const Slot& value) {
@@ -243,20 +230,20 @@ char16_t* Writer::WriteBoxed(char16_t* out, const Slot& value) {
 }  // namespace
 
 void AppendQuoted(String& out, StringView text) {
-  TextTarget target(out);
-  Writer(target, std::nullopt).WriteQuoted(text);
+  Writer(out, std::nullopt).WriteQuoted(text);
 }
 
 void AppendValue(String& out, const Slot& value, std::optional<Indentation> indentation) {
-  TextTarget target(out);
-  Writer(target, indentation).Write(value);
+  Writer(out, indentation).Write(value);
 }
 
 AnsiString WrittenUtf8(const Slot& value) {
-  AnsiString out;
-  TextTarget target(out);
-  Writer(target, std::nullopt).Write(value);
-  return out;
+  String text;
+  AppendValue(text, value);
+  AnsiString bytes(text.size(), '\0');
+  std::transform(text.begin(), text.end(), bytes.begin(),
+                 [](char16_t unit) { return static_cast<char>(unit); });
+  return bytes;
 }
 
 }  // namespace zentavo::json_internal
