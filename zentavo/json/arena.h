@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "zentavo/framework/text.h"
+#include "zentavo/json/run.h"
 #include "zentavo/json/slot.h"
 
 namespace zentavo::json_internal {
@@ -28,6 +30,8 @@ class Arena {
     here_ += bytes;
     return reinterpret_cast<Slot*>(taken);
   }
+  // Takes over cells that lie elsewhere; once at most.
+  void Keep(std::unique_ptr<Slot, FreeMemory> cells) { kept_ = std::move(cells); }
   StringView AddText(StringView text);
 
   // A text of a size not known yet is written from Units() on, to UnitsEnd() at most, and ended by
@@ -47,6 +51,7 @@ class Arena {
   // Makes room for `bytes` aligned for cells.
   void AddChunk(std::size_t bytes);
 
+  std::unique_ptr<Slot, FreeMemory> kept_;
   Chunk* last_ = nullptr;
   std::byte* here_ = nullptr;  // never odd
   std::byte* end_ = nullptr;   // aligned for cells

@@ -1,24 +1,26 @@
 // What a value without quotes is: internal to the JSON classes.
 #pragma once
 
+#include <array>
+
 #include "zentavo/framework/text.h"
 #include "zentavo/json/slot.h"
 
 namespace zentavo::json_internal {
 
-// Whether a bare value ends before this unit.
-bool EndsBare(char16_t unit);
-inline bool EndsBare(char unit) {
-  return EndsBare(static_cast<char16_t>(static_cast<unsigned char>(unit)));
-}
+inline constexpr std::array<bool, 128> kEndsBare = [] {
+  std::array<bool, 128> ends{};
+  for (std::size_t unit = 0; unit < u' '; ++unit) ends[unit] = true;
+  for (const char16_t unit : StringView(u",:]}/\\\"[{;=#")) ends[unit] = true;
+  return ends;
+}();
 
-// The plain spellings, quickly: short integers and decimals, true, false and null, right before
-// what ends a bare value. Returns where the value ends; null for all other values. `here` is not
-// the end.
+// Whether a bare value ends before this unit.
 template <typename Unit>
-const Unit* ReadPlainValue(const Unit* here, const Unit* end, Slot* slot);
-extern template const char16_t* ReadPlainValue(const char16_t*, const char16_t*, Slot*);
-extern template const char* ReadPlainValue(const char*, const char*, Slot*);
+bool EndsBare(Unit unit) {
+  const auto code = static_cast<char32_t>(unit);
+  return code < kEndsBare.size() && kEndsBare[code];
+}
 
 // A number, a boolean or null; a kText slot of `bare` when it is a text. `bare` is not empty.
 Slot ReadBareValue(StringView bare);

@@ -33,6 +33,7 @@ std::unique_ptr<TZAbstractObject> Boxed(const Slot& slot, const Storage& storage
   switch (slot.kind) {
     case SlotKind::kInteger: return std::make_unique<_Integer>(slot.integer);
     case SlotKind::kDouble: return std::make_unique<_Double>(slot.number);
+    case SlotKind::kDecimal: return std::make_unique<_Double>(slot.DecimalValue());
     case SlotKind::kText: return std::make_unique<_String>(String(slot.Text()));
     default: return json_internal::MakeContainer(slot, storage.Home());
   }

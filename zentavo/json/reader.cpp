@@ -8,6 +8,7 @@
 #include "zentavo/framework/exception.h"
 #include "zentavo/json/bare_value.h"
 #include "zentavo/json/container.h"
+#include "zentavo/json/plain_value.h"
 #include "zentavo/json/tokener.h"
 #include "zentavo/json/writer.h"
 
@@ -36,6 +37,7 @@ Reader<Unit>::Reader(const Source<Unit>& source, std::int32_t max_depth)
     : source_(source),
       document_(std::make_shared<Arena>(source.Text().size() * kBytesForUnit)),
       arena_(*document_),
+      last_stop_(source.LastStop()),
       max_depth_(max_depth) {
   constexpr std::size_t kMostUnits = std::numeric_limits<std::uint32_t>::max();
   if (source.Text().size() > kMostUnits) throw ERangeError(u"Range check error");
@@ -171,15 +173,30 @@ inline typename Reader<Unit>::State Reader<Unit>::Close(const Unit* here) {
   const Frame frame = frames_.Last();
   frames_.RemoveLast();
   const std::size_t count = slots_.Size() - frame.first_cell;
-  const Slot* from = slots_.From(frame.first_cell);
-  Slot* cells = arena_.TakeCells(count);
-  for (std::size_t index = 0; index < count; ++index) cells[index] = from[index];
-  slots_.CutTo(frame.first_cell);
+  Slot* cells = TakeCells(frame.first_cell, count);
   const SlotKind kind = frame.is_object ? SlotKind::kObject : SlotKind::kArray;
   slots_.Add(Slot::OfCells(kind, cells, frame.is_object ? count / 2 : count));
   SetAround();
   if (frame.is_key) return CloseKey(here);
   return {here, Step::kBehindValue};
+}
+
+// Moves the cells on top of the stack to the document; many cells of the outermost container stay
+// where they are, and the document gets the stack.
+template <typename Unit>
+inline Slot* Reader<Unit>::TakeCells(std::size_t first, std::size_t count) {
+  constexpr std::size_t kLarge = 4096;
+  Slot* from = slots_.From(first);
+  if (frames_.Empty() && count >= kLarge) {
+    auto all = slots_.Release();
+    Slot* cells = all.get();
+    arena_.Keep(std::move(all));
+    return cells;
+  }
+  Slot* cells = arena_.TakeCells(count);
+  for (std::size_t index = 0; index < count; ++index) cells[index] = from[index];
+  slots_.CutTo(first);
+  return cells;
 }
 
 template <typename Unit>
@@ -253,7 +270,7 @@ char16_t* Reader<Unit>::MoveText(char16_t* out, std::size_t need, const Unit* he
 
 template <typename Unit>
 inline const Unit* Reader<Unit>::TakeBare(const Unit* here, Slot* slot) {
-  const Unit* behind = ReadPlainValue(here, source_.End(), slot);
+  const Unit* behind = here < last_stop_ ? ReadPlainValue(here, slot) : nullptr;
   return behind != nullptr ? behind : TakeBareText(here, slot);
 }
 
@@ -277,6 +294,7 @@ std::unique_ptr<TZAbstractObject> Reader<Unit>::TakeResult() {
     case SlotKind::kNull: return std::make_unique<JNULL>();
     case SlotKind::kInteger: return std::make_unique<_Integer>(slot.integer);
     case SlotKind::kDouble: return std::make_unique<_Double>(slot.number);
+    case SlotKind::kDecimal: return std::make_unique<_Double>(slot.DecimalValue());
     case SlotKind::kText: return std::make_unique<_String>(String(slot.Text()));
     default: return std::make_unique<_Boolean>(slot.kind == SlotKind::kTrue);
   }

@@ -60,6 +60,7 @@ class Reader {
   State Open(const Unit* here, bool is_object, bool is_key);
   State Close(const Unit* here);
   State CloseKey(const Unit* here);
+  Slot* TakeCells(std::size_t first, std::size_t count);
   void SetAround();
 
   const Unit* TakeText(const Unit* here, Unit quote, Slot* slot);
@@ -74,6 +75,7 @@ class Reader {
   const Source<Unit>& source_;
   Document document_;
   Arena& arena_;
+  const Unit* last_stop_;
   // Of the innermost container.
   char closer_ = 0;
   Step next_ = Step::kDone;

@@ -9,13 +9,20 @@
 #include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace zentavo::json_internal {
+
+struct FreeMemory {
+  void operator()(void* memory) const { std::free(memory); }
+};
 
 template <typename T, std::size_t kFew>
 class Run {
  public:
   static_assert(std::is_trivially_copyable_v<T>);
+
+  using Memory = std::unique_ptr<T, FreeMemory>;
 
   Run() = default;
   Run(const Run&) = delete;
@@ -35,27 +42,33 @@ class Run {
   T* From(std::size_t index) { return begin_ + index; }
   const T* Begin() const { return begin_; }
   T& Last() { return end_[-1]; }
+  // Hands over the memory of all items, which are more than the first few, and is empty again.
+  Memory Release() {
+    begin_ = end_ = few_.data();
+    limit_ = begin_ + kFew;
+    return std::move(grown_);
+  }
 
  private:
-  struct FreeMemory {
-    void operator()(T* memory) const { std::free(memory); }
-  };
-
   void Grow() {
     const std::size_t size = Size();
-    const std::size_t capacity = size * 2;
-    void* grown = std::realloc(static_cast<void*>(grown_.get()), capacity * sizeof(T));
-    if (grown == nullptr) throw std::bad_alloc();
-    if (grown_ == nullptr) std::copy_n(few_.data(), size, static_cast<T*>(grown));
-    static_cast<void>(grown_.release());
-    grown_.reset(static_cast<T*>(grown));
+    const bool first = grown_ == nullptr;
+    Resize(size * 2);
+    if (first) std::copy_n(few_.data(), size, grown_.get());
     begin_ = grown_.get();
     end_ = begin_ + size;
-    limit_ = begin_ + capacity;
+    limit_ = begin_ + size * 2;
+  }
+
+  void Resize(std::size_t capacity) {
+    void* resized = std::realloc(static_cast<void*>(grown_.get()), capacity * sizeof(T));
+    if (resized == nullptr) throw std::bad_alloc();
+    static_cast<void>(grown_.release());
+    grown_.reset(static_cast<T*>(resized));
   }
 
   std::array<T, kFew> few_;
-  std::unique_ptr<T, FreeMemory> grown_;
+  Memory grown_;
   T* begin_ = few_.data();
   T* end_ = begin_;
   T* limit_ = begin_ + kFew;

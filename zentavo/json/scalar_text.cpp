@@ -134,6 +134,14 @@ std::optional<std::uint64_t> Millionths(double value) {
   return static_cast<std::uint64_t>(nearest);
 }
 
+char16_t* WriteMillionths(char16_t* out, bool negative, std::uint64_t millionths) {
+  constexpr std::uint64_t kMillion = 1000000;
+  if (negative && millionths > 0) *out++ = u'-';
+  out = WriteDigits(out, millionths / kMillion);
+  *out++ = u'.';
+  return WriteSixDigits(out, static_cast<std::uint32_t>(millionths % kMillion));
+}
+
 }  // namespace
 
 char16_t* WriteEscaped(char16_t* out, StringView part, char16_t before) {
@@ -168,10 +176,19 @@ char16_t* WriteDouble(char16_t* out, double value) {
     const String text = FormatFloat(u"######0.000000", value, StockFormatSettings());
     return std::copy(text.begin(), text.end(), out);
   }
-  if (value < 0 && *millionths > 0) *out++ = u'-';
-  out = WriteDigits(out, *millionths / 1000000);
-  *out++ = u'.';
-  return WriteSixDigits(out, static_cast<std::uint32_t>(*millionths % 1000000));
+  return WriteMillionths(out, value < 0, *millionths);
+}
+
+// At most 15 digits are a double's shortest decimal, which is what its text form is made of.
+char16_t* WriteDecimal(char16_t* out, const Slot& decimal) {
+  constexpr std::array<std::uint64_t, 7> kScales{1000000, 100000, 10000, 1000, 100, 10, 1};
+  constexpr std::int64_t kMost = 1000000000000;
+  const std::int64_t digits = decimal.digits;
+  if (decimal.size >= kScales.size() || digits >= kMost || digits <= -kMost) {
+    return WriteDouble(out, decimal.DecimalValue());
+  }
+  const auto magnitude = static_cast<std::uint64_t>(digits < 0 ? -digits : digits);
+  return WriteMillionths(out, digits < 0, magnitude * kScales[decimal.size]);
 }
 
 }  // namespace zentavo::json_internal

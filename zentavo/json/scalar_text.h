@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "zentavo/framework/text.h"
+#include "zentavo/json/slot.h"
 
 namespace zentavo::json_internal {
 
@@ -20,5 +21,7 @@ char16_t* WriteEscaped(char16_t* out, StringView part, char16_t before);
 char16_t* WriteInteger(char16_t* out, std::int32_t value);
 // "######0.000000", always six decimals.
 char16_t* WriteDouble(char16_t* out, double value);
+// The same for a kDecimal slot.
+char16_t* WriteDecimal(char16_t* out, const Slot& decimal);
 
 }  // namespace zentavo::json_internal

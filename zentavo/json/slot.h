@@ -12,6 +12,15 @@ class TZAbstractObject;
 
 namespace json_internal {
 
+inline constexpr int kMostPower = 22;  // of ten that a double holds exactly
+
+inline double PowerOfTen(std::size_t exponent) {
+  static constexpr double kPowers[kMostPower + 1] = {
+      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  return kPowers[exponent];
+}
+
 enum class SlotKind : std::uint8_t {
   kMissing,  // an empty slot
   kNull,
@@ -19,6 +28,7 @@ enum class SlotKind : std::uint8_t {
   kTrue,
   kInteger,
   kDouble,
+  kDecimal,  // a double as it was read; made one only when it is asked for
   kText,
   kObject,  // a nested container as it was read: its cells lie in the document
   kArray,
@@ -32,14 +42,16 @@ struct Slot {
   union {
     std::int32_t integer;
     double number;
+    std::int64_t digits;  // of a decimal, without its point
     const char16_t* units;
     Slot* cells;
     TZAbstractObject* object;
   };
-  std::uint32_t size;  // of a text in units, of a nested container in values
+  std::uint32_t size;  // of a text in units, of a nested container in values; a decimal's decimals
   SlotKind kind;
 
   StringView Text() const { return {units, size}; }
+  double DecimalValue() const { return static_cast<double>(digits) / PowerOfTen(size); }
   bool IsNested() const { return kind == SlotKind::kObject || kind == SlotKind::kArray; }
   bool IsOwned() const { return kind >= SlotKind::kBoxed; }
 
@@ -55,6 +67,14 @@ struct Slot {
     slot.number = value;
     slot.size = 0;
     slot.kind = SlotKind::kDouble;
+    return slot;
+  }
+  // The double nearest to digits / 10^decimals; at most 15 digits.
+  static Slot OfDecimal(std::int64_t digits, std::uint32_t decimals) {
+    Slot slot;
+    slot.digits = digits;
+    slot.size = decimals;
+    slot.kind = SlotKind::kDecimal;
     return slot;
   }
   static Slot OfText(StringView text) {

@@ -94,6 +94,14 @@ const Unit* Source<Unit>::BareEnd(const Unit* here) const {
 }
 
 template <typename Unit>
+const Unit* Source<Unit>::LastStop() const {
+  if (begin_ == end_) return begin_;
+  const Unit* last = end_ - 1;
+  while (last != begin_ && !EndsBare(*last)) --last;
+  return last;
+}
+
+template <typename Unit>
 char16_t Source<Unit>::TakeEscape(const Unit*& here) const {
   const auto letter = static_cast<char16_t>(*here++);
   switch (letter) {

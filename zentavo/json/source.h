@@ -40,6 +40,8 @@ class Source {
   const Unit* SkipMark(const Unit* here) const;
   // Where a bare value ends; blanks before that end belong to it.
   const Unit* BareEnd(const Unit* here) const;
+  // The last unit that ends bare values; the begin when there is none behind it.
+  const Unit* LastStop() const;
 
   // The unit that an escape stands for whose letter is at `here`, which moves behind it.
   char16_t TakeEscape(const Unit*& here) const;

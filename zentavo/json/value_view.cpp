@@ -41,6 +41,7 @@ ValueView ViewOf(const Slot& slot) {
     case SlotKind::kTrue: return OfBoolean(true);
     case SlotKind::kInteger: return OfInteger(slot.integer);
     case SlotKind::kDouble: return OfDouble(slot.number);
+    case SlotKind::kDecimal: return OfDouble(slot.DecimalValue());
     case SlotKind::kText: return OfText(slot.Text());
     case SlotKind::kObject:
     case SlotKind::kArray: return OfCells(Cells(slot));

@@ -214,6 +214,7 @@ char16_t* Writer::WriteScalar(char16_t* out, const Slot& value) {
     case SlotKind::kText: return WriteText(out, value.Text());
     case SlotKind::kInteger: return WriteInteger(out, value.integer);
     case SlotKind::kDouble: return WriteDouble(Room(out, kUnitsOfDouble), value.number);
+    case SlotKind::kDecimal: return WriteDecimal(Room(out, kUnitsOfDouble), value);
     case SlotKind::kFalse: return WriteWord(out, u"false");
     case SlotKind::kTrue: return WriteWord(out, u"true");
     case SlotKind::kBoxed: return WriteBoxed(out, value);
