@@ -105,7 +105,7 @@ inline typename Reader<Unit>::State Reader<Unit>::TakeElement(const Unit* here) 
   here = source_.Clean(here);
   if (here == source_.End()) return TakeValue(here);
   if (*here == ']') return Close(here + 1);
-  if (*here != ',') return TakeValue(here);
+  if (*here != ',') return TakeValueAt(here);
   slots_.Add(Slot::Of(SlotKind::kMissing));
   return BehindValue(here);
 }
@@ -125,6 +125,11 @@ template <typename Unit>
 inline typename Reader<Unit>::State Reader<Unit>::TakeValue(const Unit* here) {
   here = source_.Clean(here);
   if (here == source_.End()) throw source_.ErrorAt(u"Missing value.", here);
+  return TakeValueAt(here);
+}
+
+template <typename Unit>
+inline typename Reader<Unit>::State Reader<Unit>::TakeValueAt(const Unit* here) {
   switch (*here) {
     case '"':
     case '\'': here = TakeText(here + 1, *here, slots_.New()); break;

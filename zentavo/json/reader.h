@@ -54,6 +54,7 @@ class Reader {
   State TakeMember(const Unit* here);
   State TakeElement(const Unit* here);
   State TakeValue(const Unit* here);
+  State TakeValueAt(const Unit* here);  // a significant unit
   State BehindKey(const Unit* here);
   State BehindValue(const Unit* here);
 
