@@ -32,8 +32,7 @@ class Writer {
     const Slot* first;
     const Slot* next;
     const Slot* end;
-    std::int32_t indent;        // of the closing bracket
-    std::int32_t child_indent;  // of the values
+    std::int32_t indent;  // of the closing bracket
     bool keyed;
     bool broken;  // one value a line
   };
@@ -48,15 +47,15 @@ class Writer {
   char16_t* Grow(char16_t* out, std::size_t units);
   void Finish(const char16_t* out);
   double Done() const;
-  static double DoneIn(const Open& open) {
-    return static_cast<double>(open.next - open.first) / static_cast<double>(open.end - open.first);
-  }
 
+  std::int32_t ChildIndent(const Open& open) const {
+    return open.broken ? open.indent + factor_ : open.indent;
+  }
   char16_t* WriteAll(char16_t* out, const Slot& value);
   char16_t* WriteNext(char16_t* out);
   char16_t* OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent);
-  char16_t* Close(char16_t* out);
-  char16_t* WriteBefore(char16_t* out);
+  char16_t* Close(char16_t* out, const Open& top);
+  char16_t* WriteBefore(char16_t* out, Open& top);
   char16_t* WriteText(char16_t* out, StringView text);
   char16_t* WriteLongText(char16_t* out, StringView text);
   char16_t* WriteWord(char16_t* out, StringView word);
@@ -69,8 +68,7 @@ class Writer {
   std::int32_t factor_;
   std::int32_t indent_;
   bool indented_;
-  Open top_{};          // the innermost container
-  Run<Open, 16> open_;  // those around it
+  Run<Open, 32> open_;
   std::array<char16_t, kFirstRoom> first_room_;
   char16_t* end_ = first_room_.data() + first_room_.size();
   bool in_text_ = false;
@@ -106,12 +104,11 @@ void Writer::Finish(const char16_t* out) {
 
 // The share of the value that is written, as if all values of a container were of one size.
 double Writer::Done() const {
-  if (top_.first == nullptr) return 1;
-  double done = DoneIn(top_);
+  double done = 1;
   for (std::size_t index = open_.Size(); index-- > 0;) {
-    const Open& around = open_.Begin()[index];
-    const auto count = static_cast<double>(around.end - around.first);
-    done = (static_cast<double>(around.next - around.first) - 1 + done) / count;
+    const Open& open = open_.Begin()[index];
+    const auto written = static_cast<double>(open.next - open.first);
+    done = (written - 1 + done) / static_cast<double>(open.end - open.first);
   }
   return done;
 }
@@ -120,53 +117,46 @@ char16_t* Writer::WriteAll(char16_t* out, const Slot& value) {
   const bool is_container = value.kind == SlotKind::kContainer;
   if (!value.IsNested() && !is_container) return WriteScalar(out, value);
   out = OpenContainer(out, is_container ? CellsOf(value.object) : Cells(value), indent_);
-  while (top_.first != nullptr) out = WriteNext(out);
+  while (!open_.Empty()) out = WriteNext(out);
   return out;
 }
 
-char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent) {
+inline char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent) {
   *out++ = cells.Keyed() ? u'{' : u'[';
   if (cells.Count() == 0) {
     *out++ = cells.Keyed() ? u'}' : u']';
     return out;
   }
-  if (top_.first != nullptr) open_.Add(top_);
   const bool broken = indented_ && cells.Count() > 1;
-  const std::int32_t child_indent = broken ? indent + factor_ : indent;
-  top_ = {cells.First(), cells.First(), cells.End(), indent, child_indent, cells.Keyed(), broken};
+  *open_.New() = {cells.First(), cells.First(), cells.End(), indent, cells.Keyed(), broken};
   return out;
 }
 
 // Writes the next value of the innermost container, or its end.
 inline char16_t* Writer::WriteNext(char16_t* out) {
   out = Room(out, 0);
-  if (top_.next == top_.end) return Close(out);
-  out = WriteBefore(out);
-  const Slot& value = *top_.next++;
-  if (value.IsNested()) return OpenContainer(out, Cells(value), top_.child_indent);
+  Open& top = open_.Last();
+  if (top.next == top.end) return Close(out, top);
+  out = WriteBefore(out, top);
+  const Slot& value = *top.next++;
+  if (value.IsNested()) return OpenContainer(out, Cells(value), ChildIndent(top));
   if (value.kind != SlotKind::kContainer) return WriteScalar(out, value);
-  return OpenContainer(out, CellsOf(value.object), top_.child_indent);
+  return OpenContainer(out, CellsOf(value.object), ChildIndent(top));
 }
 
-inline char16_t* Writer::Close(char16_t* out) {
-  if (top_.broken) out = BreakLine(out, top_.indent);
-  *out++ = top_.keyed ? u'}' : u']';
-  if (open_.Empty()) {
-    top_.first = nullptr;
-  } else {
-    top_ = open_.Last();
-    open_.RemoveLast();
-  }
+inline char16_t* Writer::Close(char16_t* out, const Open& top) {
+  if (top.broken) out = BreakLine(out, top.indent);
+  *out++ = top.keyed ? u'}' : u']';
+  open_.RemoveLast();
   return out;
 }
 
 // What stands before a value: comma, line break, key.
-inline char16_t* Writer::WriteBefore(char16_t* out) {
-  if (top_.next != top_.first) *out++ = u',';
-  if (top_.broken) out = BreakLine(out, top_.child_indent);
-  if (!top_.keyed) return out;
-  out = WriteText(out, top_.next->Text());
-  ++top_.next;
+inline char16_t* Writer::WriteBefore(char16_t* out, Open& top) {
+  if (top.next != top.first) *out++ = u',';
+  if (top.broken) out = BreakLine(out, ChildIndent(top));
+  if (!top.keyed) return out;
+  out = WriteText(out, top.next++->Text());
   *out++ = u':';
   if (indented_) *out++ = u' ';
   return out;
