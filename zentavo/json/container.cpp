@@ -1,6 +1,6 @@
 #include "zentavo/json/container.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "zentavo/framework/stream.h"
 #include "zentavo/json/array.h"
@@ -41,8 +41,15 @@ std::unique_ptr<TZAbstractObject> Boxed(const Slot& slot, const Storage& storage
 
 }  // namespace
 
+TJSONContainer::TJSONContainer(TJSONContainer&& other) noexcept
+    : storage_(std::move(other.storage_)) {}
+
 TJSONContainer::~TJSONContainer() {
   FreeAll();
+}
+
+void TJSONContainer::Swap(TJSONContainer& other) noexcept {
+  storage_.swap(other.storage_);
 }
 
 // While a nested container is being freed, the slot that held it keeps the way back to the

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <utility>
 
 #include "zentavo/json/storage.h"
 #include "zentavo/json/value.h"
@@ -43,10 +42,10 @@ class ZENTAVO_API TJSONContainer : public TZAbstractObject {
  protected:
   explicit TJSONContainer(bool keyed) : storage_(keyed) {}
   TJSONContainer(const TJSONContainer& other);
-  TJSONContainer(TJSONContainer&& other) noexcept : storage_(std::move(other.storage_)) {}
+  TJSONContainer(TJSONContainer&& other) noexcept;
   TJSONContainer& operator=(const TJSONContainer&) = delete;
   TJSONContainer& operator=(TJSONContainer&&) = delete;
-  void Swap(TJSONContainer& other) noexcept { storage_.swap(other.storage_); }
+  void Swap(TJSONContainer& other) noexcept;
 
   json_internal::ValueView View(std::uint32_t index) const;
   // The value at a position, null for an empty slot. What has been read becomes an object of its
