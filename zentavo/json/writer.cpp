@@ -74,17 +74,21 @@ class Writer {
   bool in_text_ = false;
 };
 
-// Moves on into the text, which gets the size that it may have in the end. A guess from the first
-// part may be far off, so it is not trusted for much more than that.
-char16_t* Writer::Grow(char16_t* out, std::size_t units) {
+// How much larger everything may be than the part of so many units that is written, which is the
+// share `done` of it. Such a guess may be far off, so it is not trusted too far.
+double GuessFactor(std::size_t units, double done) {
   constexpr double kMargin = 1.125;
   constexpr double kLeast = 1.5;
-  constexpr std::size_t kSmall = 65536;
+  const double most = units < 65536 ? 16 : units < 1048576 ? 32 : 4;
+  return std::clamp(kMargin / std::max(done, 1e-9), kLeast, most);
+}
+
+// Moves on into the text, which gets the size that it may have in the end.
+char16_t* Writer::Grow(char16_t* out, std::size_t units) {
   const char16_t* start = in_text_ ? text_.data() + old_size_ : first_room_.data();
   const auto done = static_cast<std::size_t>(out - start);
-  const double most = done < kSmall ? 16 : 1024;
-  const double factor = std::clamp(kMargin / std::max(Done(), 1e-9), kLeast, most);
-  const auto guess = static_cast<std::size_t>(static_cast<double>(done + units + kSlack) * factor);
+  const auto guess = static_cast<std::size_t>(static_cast<double>(done + units + kSlack) *
+                                              GuessFactor(done, Done()));
   ResizeUnfilled(text_, old_size_ + (in_text_ ? done : 0));
   text_.reserve(old_size_ + guess);
   if (!in_text_) text_.append(first_room_.data(), done);
@@ -97,6 +101,7 @@ char16_t* Writer::Grow(char16_t* out, std::size_t units) {
 void Writer::Finish(const char16_t* out) {
   if (in_text_) {
     ResizeUnfilled(text_, static_cast<std::size_t>(out - text_.data()));
+    if (text_.capacity() / 2 > text_.size()) text_.shrink_to_fit();
   } else {
     text_.append(first_room_.data(), static_cast<std::size_t>(out - first_room_.data()));
   }
