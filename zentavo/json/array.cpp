@@ -23,10 +23,6 @@ TJSONArray::TJSONArray(const std::vector<const TZAbstractObject*>& List) : TJSON
   for (const TZAbstractObject* value : List) put(value != nullptr ? value->Clone() : nullptr);
 }
 
-TJSONArray TJSONArray::FromUtf8(std::string_view Text) {
-  return TJSONArray(StringView(zentavo::FromUtf8(Text)));
-}
-
 TJSONArray TJSONArray::FromStream(TStream& Source) {
   return FromUtf8(json_internal::RestOf(Source));
 }
@@ -44,7 +40,7 @@ Storage::OldBlock TJSONArray::Place(std::int32_t index, std::size_t units) {
   }
   const bool appends = index == length();
   Storage::OldBlock old = storage_.MakeRoom(appends ? 1 : 0, units);
-  if (appends) storage_.AddSlot(Slot::Of(SlotKind::kMissing));
+  if (appends) storage_.Add(Slot::Of(SlotKind::kMissing));
   return old;
 }
 
@@ -68,16 +64,14 @@ TJSONArray& TJSONArray::put(std::int32_t Index, std::int32_t Value) {
 TJSONArray& TJSONArray::put(std::int32_t Index, StringView Value) {
   const Storage::OldBlock old = Place(Index, Value.size());
   const auto position = static_cast<std::uint32_t>(Index);
-  const Slot text = Slot::OfText(storage_.AddText(Value));
+  const Slot text = storage_.AddText(Value);
   Free(position);
   storage_.At(position) = text;
   return *this;
 }
 TJSONArray& TJSONArray::put(std::int32_t Index, std::unique_ptr<TZAbstractObject> Value) {
   const Storage::OldBlock old = Place(Index, 0);
-  const auto position = static_cast<std::uint32_t>(Index);
-  Free(position);
-  storage_.At(position) = Owned(std::move(Value));
+  Own(static_cast<std::uint32_t>(Index), std::move(Value));
   return *this;
 }
 TJSONArray& TJSONArray::put(std::int32_t Index, const TZAbstractObject& Value) {
@@ -112,12 +106,12 @@ std::unique_ptr<TZAbstractObject> TJSONArray::remove(std::int32_t Index) {
 }
 
 String TJSONArray::join(StringView Separator) const {
-  json_internal::TextBuffer out;
+  String joined;
   for (std::uint32_t index = 0; index < storage_.Count(); ++index) {
-    if (index > 0) out.Add(Separator);
-    AppendValue(out, View(index));
+    if (index > 0) joined += Separator;
+    AppendValue(joined, storage_.At(index));
   }
-  return String(out.View());
+  return joined;
 }
 
 TJSONObject TJSONArray::toJSONObject(const TJSONArray& Names) const {

@@ -1,8 +1,11 @@
 #include "zentavo/json/container.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "zentavo/framework/stream.h"
+#include "zentavo/json/array.h"
+#include "zentavo/json/object.h"
+#include "zentavo/json/text_form.h"
 #include "zentavo/json/value_view.h"
 #include "zentavo/json/writer.h"
 
@@ -11,7 +14,6 @@ namespace zentavo {
 using json_internal::Slot;
 using json_internal::SlotKind;
 using json_internal::Storage;
-using json_internal::TextBuffer;
 using json_internal::ValueView;
 
 namespace {
@@ -26,23 +28,28 @@ const JNULL& SharedNull() {
   return value;
 }
 
-// A value of its own for a slot that holds a number or a text.
+// A value of its own for a slot that holds a number, a text or a nested container.
 std::unique_ptr<TZAbstractObject> Boxed(const Slot& slot, const Storage& storage) {
   switch (slot.kind) {
     case SlotKind::kInteger: return std::make_unique<_Integer>(slot.integer);
     case SlotKind::kDouble: return std::make_unique<_Double>(slot.number);
-    default: return std::make_unique<_String>(String(storage.Text(slot.text)));
+    case SlotKind::kDecimal: return std::make_unique<_Double>(slot.DecimalValue());
+    case SlotKind::kText: return std::make_unique<_String>(String(slot.Text()));
+    default: return json_internal::MakeContainer(slot, storage.Home());
   }
-}
-
-void DropText(const Storage& storage, const Slot& slot) {
-  if (slot.kind == SlotKind::kText) storage.DropText(slot.text);
 }
 
 }  // namespace
 
+TJSONContainer::TJSONContainer(TJSONContainer&& other) noexcept
+    : storage_(std::move(other.storage_)) {}
+
 TJSONContainer::~TJSONContainer() {
   FreeAll();
+}
+
+void TJSONContainer::Swap(TJSONContainer& other) noexcept {
+  storage_.swap(other.storage_);
 }
 
 // While a nested container is being freed, the slot that held it keeps the way back to the
@@ -58,11 +65,11 @@ void TJSONContainer::FreeAll() noexcept {
       const std::unique_ptr<TJSONContainer> emptied(current);
       current = above;
       Storage& outer = current->storage_;
-      above = static_cast<TJSONContainer*>(outer.At(outer.Count() - 1).object);
+      above = static_cast<TJSONContainer*>(outer.Last().object);
       outer.RemoveLast();
       continue;
     }
-    Slot& last = storage.At(storage.Count() - 1);
+    Slot& last = storage.Last();
     if (last.kind == SlotKind::kContainer) {
       auto* inner = static_cast<TJSONContainer*>(last.object);
       last.object = above;
@@ -81,7 +88,7 @@ void TJSONContainer::clean() {
 }
 
 ValueView TJSONContainer::View(std::uint32_t index) const {
-  return ViewOf(storage_.At(index), storage_);
+  return ViewOf(storage_.At(index));
 }
 
 TZAbstractObject* TJSONContainer::Lend(std::uint32_t index) const {
@@ -95,10 +102,10 @@ TZAbstractObject* TJSONContainer::Lend(std::uint32_t index) const {
     case SlotKind::kContainer: return slot.object;
     default: break;
   }
-  TZAbstractObject* boxed = Boxed(slot, storage_).release();
-  DropText(storage_, slot);
-  slot = Slot::OfObject(SlotKind::kBoxed, boxed);
-  return boxed;
+  const SlotKind kind = slot.IsNested() ? SlotKind::kContainer : SlotKind::kBoxed;
+  storage_.SetOwns();
+  slot = Slot::OfObject(kind, Boxed(slot, storage_).release());
+  return slot.object;
 }
 
 std::unique_ptr<TZAbstractObject> TJSONContainer::Take(std::uint32_t index) {
@@ -117,41 +124,49 @@ std::unique_ptr<TZAbstractObject> TJSONContainer::Take(std::uint32_t index) {
 
 void TJSONContainer::Free(std::uint32_t index) noexcept {
   Slot& slot = storage_.At(index);
-  DropText(storage_, slot);
-  if (slot.kind == SlotKind::kBoxed || slot.kind == SlotKind::kContainer) delete slot.object;
+  if (slot.IsOwned()) delete slot.object;
   slot = Slot::Of(SlotKind::kMissing);
 }
 
-Slot TJSONContainer::Owned(std::unique_ptr<TZAbstractObject> value) {
-  if (value == nullptr) return Slot::Of(SlotKind::kMissing);
+void TJSONContainer::Own(std::uint32_t index, std::unique_ptr<TZAbstractObject> value) {
+  Free(index);
+  if (value == nullptr) return;
   const bool is_container = dynamic_cast<TJSONContainer*>(value.get()) != nullptr;
-  return Slot::OfObject(is_container ? SlotKind::kContainer : SlotKind::kBoxed, value.release());
+  const SlotKind kind = is_container ? SlotKind::kContainer : SlotKind::kBoxed;
+  storage_.SetOwns();
+  storage_.At(index) = Slot::OfObject(kind, value.release());
 }
 
 String TJSONContainer::toString() const {
-  TextBuffer out;
-  AppendValue(out, json_internal::ViewOf(this));
-  return String(out.View());
+  return valueToString(this);
 }
 
 String TJSONContainer::toString(std::int32_t IndentFactor, std::int32_t Indent) const {
-  TextBuffer out;
-  AppendValue(out, json_internal::ViewOf(this), json_internal::Indentation{IndentFactor, Indent});
-  return String(out.View());
+  return valueToString(this, IndentFactor, Indent);
 }
 
 AnsiString TJSONContainer::toUtf8() const {
-  TextBuffer out;
-  AppendValue(out, json_internal::ViewOf(this));
-  AnsiString bytes(out.Size(), '\0');
-  std::transform(out.View().begin(), out.View().end(), bytes.begin(),
-                 [](char16_t unit) { return static_cast<char>(unit); });
-  return bytes;
+  return json_internal::WrittenUtf8(json_internal::SlotOf(this));
 }
 
 void TJSONContainer::SaveToStream(TStream& Target) const {
   const AnsiString bytes = toUtf8();
   Target.WriteBuffer(bytes.data(), static_cast<std::int64_t>(bytes.size()));
 }
+
+namespace json_internal {
+
+std::unique_ptr<TJSONContainer> MakeContainer(const Slot& nested, Document document) {
+  std::unique_ptr<TJSONContainer> container;
+  if (nested.kind == SlotKind::kObject) {
+    container = std::make_unique<TJSONObject>();
+  } else {
+    container = std::make_unique<TJSONArray>();
+  }
+  Access::Of(*container).Adopt(std::move(document), nested.cells, nested.size, false);
+  return container;
+}
+
+}  // namespace json_internal
 
 }  // namespace zentavo

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <utility>
 
 #include "zentavo/json/storage.h"
 #include "zentavo/json/value.h"
@@ -43,18 +42,19 @@ class ZENTAVO_API TJSONContainer : public TZAbstractObject {
  protected:
   explicit TJSONContainer(bool keyed) : storage_(keyed) {}
   TJSONContainer(const TJSONContainer& other);
-  TJSONContainer(TJSONContainer&& other) noexcept : storage_(std::move(other.storage_)) {}
+  TJSONContainer(TJSONContainer&& other) noexcept;
   TJSONContainer& operator=(const TJSONContainer&) = delete;
   TJSONContainer& operator=(TJSONContainer&&) = delete;
-  void Swap(TJSONContainer& other) noexcept { storage_.swap(other.storage_); }
+  void Swap(TJSONContainer& other) noexcept;
 
   json_internal::ValueView View(std::uint32_t index) const;
-  // The value at a position, null for an empty slot.
+  // The value at a position, null for an empty slot. What has been read becomes an object of its
+  // own only here.
   TZAbstractObject* Lend(std::uint32_t index) const;
   std::unique_ptr<TZAbstractObject> Take(std::uint32_t index);  // leaves an empty slot
   void Free(std::uint32_t index) noexcept;                      // leaves an empty slot
-  // The slot for a value, which goes over to it; empty for null.
-  static json_internal::Slot Owned(std::unique_ptr<TZAbstractObject> value);
+  // Frees what is there and takes the value over; null leaves an empty slot.
+  void Own(std::uint32_t index, std::unique_ptr<TZAbstractObject> value);
 
   json_internal::Storage storage_;
 
@@ -70,6 +70,9 @@ struct Access {
   static Storage& Of(TJSONContainer& container) { return container.storage_; }
   static const Storage& Of(const TJSONContainer& container) { return container.storage_; }
 };
+
+// A container of the values that lie in `document`.
+ZENTAVO_API std::unique_ptr<TJSONContainer> MakeContainer(const Slot& nested, Document document);
 
 }  // namespace json_internal
 

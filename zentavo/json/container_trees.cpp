@@ -12,6 +12,9 @@
 namespace zentavo {
 
 using json_internal::Access;
+using json_internal::Arena;
+using json_internal::Cells;
+using json_internal::Document;
 using json_internal::KeyMatches;
 using json_internal::Slot;
 using json_internal::SlotKind;
@@ -21,28 +24,29 @@ using json_internal::ViewOf;
 
 namespace {
 
-bool OwnsObject(const Slot& slot) {
-  return slot.kind == SlotKind::kBoxed || slot.kind == SlotKind::kContainer;
-}
-
-// Copies the slots of `from`; what they own follows in FillNext.
+// Copies cells into a document of their own. Nested containers that are still as they were read
+// stay so in the copy.
 class Copier {
  public:
+  explicit Copier(const Cells& all)
+      : document_(std::make_shared<Arena>(static_cast<std::size_t>(all.End() - all.First()) *
+                                          sizeof(Slot) * 2)) {}
+
+  // What slots own follows in Finish.
   void Start(const Storage& from, Storage& to) {
-    for (std::uint32_t index = 0; index < from.Count(); ++index) {
-      if (OwnsObject(to.At(index))) to.At(index) = Slot::Of(SlotKind::kMissing);
-    }
-    for (std::uint32_t index = 0; index < from.Count(); ++index) {
-      if (OwnsObject(from.At(index))) left_.push_back({&from.At(index), &to.At(index)});
-    }
+    const std::size_t count = CellCount(from.All());
+    Slot* cells = document_->TakeCells(count);
+    CopyCells(from.All().First(), count, cells);
+    to.Adopt(document_, cells, from.Count(), from.Owns());
   }
 
   void Finish() {
-    while (!left_.empty()) {
-      const Pair next = left_.back();
-      left_.pop_back();
-      const TZAbstractObject& source = *next.from->object;
-      *next.to = Slot::OfObject(next.from->kind, CopyShell(source).release());
+    while (!nested_.empty() || !owned_.empty()) {
+      if (nested_.empty()) {
+        CopyOwned();
+      } else {
+        CopyNested();
+      }
     }
   }
 
@@ -52,8 +56,44 @@ class Copier {
     Slot* to;
   };
 
+  static std::size_t CellCount(const Cells& cells) {
+    return Cells::Size(cells.Count(), cells.Keyed());
+  }
+
+  void CopyCells(const Slot* from, std::size_t count, Slot* to) {
+    for (const Slot* end = from + count; from != end; ++from, ++to) {
+      *to = *from;
+      if (from->kind == SlotKind::kText) {
+        *to = Slot::OfText(document_->AddText(from->Text()));
+      } else if (from->IsNested()) {
+        nested_.push_back({from, to});
+      } else if (from->IsOwned()) {
+        *to = Slot::Of(SlotKind::kMissing);
+        owned_.push_back({from, to});
+      }
+    }
+  }
+
+  void CopyNested() {
+    const Pair next = Pop(nested_);
+    const std::size_t count = CellCount(Cells(*next.from));
+    next.to->cells = document_->TakeCells(count);
+    CopyCells(next.from->cells, count, next.to->cells);
+  }
+
+  void CopyOwned() {
+    const Pair next = Pop(owned_);
+    *next.to = Slot::OfObject(next.from->kind, CopyObject(*next.from->object).release());
+  }
+
+  static Pair Pop(std::vector<Pair>& pairs) {
+    const Pair last = pairs.back();
+    pairs.pop_back();
+    return last;
+  }
+
   // A copy of the value; of a container, one whose own values are still to be copied.
-  std::unique_ptr<TZAbstractObject> CopyShell(const TZAbstractObject& source) {
+  std::unique_ptr<TZAbstractObject> CopyObject(const TZAbstractObject& source) {
     if (typeid(source) == typeid(TJSONObject)) return CopyContainer<TJSONObject>(source);
     if (typeid(source) == typeid(TJSONArray)) return CopyContainer<TJSONArray>(source);
     return source.Clone();
@@ -61,78 +101,64 @@ class Copier {
 
   template <typename T>
   std::unique_ptr<TZAbstractObject> CopyContainer(const TZAbstractObject& source) {
-    const Storage& from = Access::Of(static_cast<const T&>(source));
     auto copy = std::make_unique<T>();
-    Storage slots(from);
-    Start(from, slots);
-    Access::Of(*copy).swap(slots);
+    Start(Access::Of(static_cast<const T&>(source)), Access::Of(*copy));
     return copy;
   }
 
-  std::vector<Pair> left_;
+  Document document_;
+  std::vector<Pair> nested_;
+  std::vector<Pair> owned_;
 };
 
-struct ContainerPair {
-  const TJSONContainer* a;
-  const TJSONContainer* b;
+struct CellsPair {
+  Cells a;
+  Cells b;
 };
 
 using Positions = std::vector<std::uint32_t>;
 
-bool SameKeysInPlace(const Storage& a, const Storage& b) {
-  for (std::uint32_t index = 0; index < a.Count(); ++index) {
-    if (!KeyMatches(a.Key(index), b.Key(index))) return false;
+bool SameKeysInPlace(const CellsPair& pair) {
+  for (std::uint32_t index = 0; index < pair.a.Count(); ++index) {
+    if (!KeyMatches(pair.a.Key(index), pair.b.Key(index))) return false;
   }
   return true;
 }
 
-Positions OrderOfKeys(const Storage& storage) {
-  Positions order(storage.Count());
+Positions OrderOfKeys(const Cells& cells) {
+  Positions order(cells.Count());
   std::iota(order.begin(), order.end(), 0u);
   std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-    return CompareText(storage.Key(a), storage.Key(b)) < 0;
+    return CompareText(cells.Key(a), cells.Key(b)) < 0;
   });
   return order;
 }
 
 // Which values of two containers of one length belong together; false when their keys differ. Two
 // empty lists stand for the order they are in.
-bool PairUp(const ContainerPair& pair, Positions& order_a, Positions& order_b) {
-  if (pair.a->Kind() == JSONKind::kArray) return true;
-  const Storage& a = Access::Of(*pair.a);
-  const Storage& b = Access::Of(*pair.b);
-  if (SameKeysInPlace(a, b)) return true;
-  order_a = OrderOfKeys(a);
-  order_b = OrderOfKeys(b);
+bool PairUp(const CellsPair& pair, Positions& order_a, Positions& order_b) {
+  if (!pair.a.Keyed() || SameKeysInPlace(pair)) return true;
+  order_a = OrderOfKeys(pair.a);
+  order_b = OrderOfKeys(pair.b);
   return std::equal(order_a.begin(), order_a.end(), order_b.begin(),
                     [&](std::uint32_t left, std::uint32_t right) {
-                      return KeyMatches(a.Key(left), b.Key(right));
+                      return KeyMatches(pair.a.Key(left), pair.b.Key(right));
                     });
 }
 
-bool IsContainer(const ValueView& value) {
-  return value.kind == JSONKind::kObject || value.kind == JSONKind::kArray;
-}
-
-ContainerPair PairOf(const ValueView& a, const ValueView& b) {
-  return {static_cast<const TJSONContainer*>(a.object),
-          static_cast<const TJSONContainer*>(b.object)};
-}
-
 // Compares what stands directly in two containers and notes the containers in them.
-bool ValuesEqual(const ContainerPair& pair, std::vector<ContainerPair>& left) {
-  if (pair.a->Kind() != pair.b->Kind() || pair.a->length() != pair.b->length()) return false;
+bool ValuesEqual(const CellsPair& pair, std::vector<CellsPair>& left) {
+  if (pair.a.Keyed() != pair.b.Keyed() || pair.a.Count() != pair.b.Count()) return false;
+  if (pair.a.First() == pair.b.First()) return true;
   Positions order_a;
   Positions order_b;
   if (!PairUp(pair, order_a, order_b)) return false;
-  const Storage& a = Access::Of(*pair.a);
-  const Storage& b = Access::Of(*pair.b);
-  for (std::uint32_t index = 0; index < a.Count(); ++index) {
-    const ValueView value_a = ViewOf(a.At(order_a.empty() ? index : order_a[index]), a);
-    const ValueView value_b = ViewOf(b.At(order_b.empty() ? index : order_b[index]), b);
-    if (IsContainer(value_a) && IsContainer(value_b)) {
-      left.push_back(PairOf(value_a, value_b));
-    } else if (!ScalarsEqual(value_a, value_b)) {
+  for (std::uint32_t index = 0; index < pair.a.Count(); ++index) {
+    const ValueView a = ViewOf(pair.a.Value(order_a.empty() ? index : order_a[index]));
+    const ValueView b = ViewOf(pair.b.Value(order_b.empty() ? index : order_b[index]));
+    if (a.IsContainer() && b.IsContainer()) {
+      left.push_back({a.cells, b.cells});
+    } else if (!ScalarsEqual(a, b)) {
       return false;
     }
   }
@@ -142,8 +168,9 @@ bool ValuesEqual(const ContainerPair& pair, std::vector<ContainerPair>& left) {
 }  // namespace
 
 TJSONContainer::TJSONContainer(const TJSONContainer& other)
-    : TZAbstractObject(other), storage_(other.storage_) {
-  Copier copier;
+    : TZAbstractObject(other), storage_(other.storage_.All().Keyed()) {
+  if (other.storage_.Count() == 0) return;
+  Copier copier(other.storage_.All());
   try {
     copier.Start(other.storage_, storage_);
     copier.Finish();
@@ -159,12 +186,12 @@ std::unique_ptr<TZAbstractObject> TJSONContainer::Clone() const {
 
 bool TJSONContainer::equals(const TZAbstractObject& Value) const {
   const ValueView value = ViewOf(&Value);
-  if (!IsContainer(value)) return false;
-  std::vector<ContainerPair> left{PairOf(ViewOf(this), value)};
+  if (!value.IsContainer()) return false;
+  std::vector<CellsPair> left{{storage_.All(), value.cells}};
   while (!left.empty()) {
-    const ContainerPair next = left.back();
+    const CellsPair next = left.back();
     left.pop_back();
-    if (next.a != next.b && !ValuesEqual(next, left)) return false;
+    if (!ValuesEqual(next, left)) return false;
   }
   return true;
 }
@@ -173,12 +200,7 @@ bool TJSONContainer::equals(const TZAbstractObject& Value) const {
 std::int32_t TJSONContainer::hash() const {
   auto sum = storage_.Count();
   for (std::uint32_t index = 0; index < storage_.Count(); ++index) {
-    const ValueView value = View(index);
-    if (IsContainer(value)) {
-      sum += static_cast<std::uint32_t>(PairOf(value, value).a->length());
-    } else {
-      sum += static_cast<std::uint32_t>(HashOf(value));
-    }
+    sum += static_cast<std::uint32_t>(HashOf(View(index)));
   }
   return static_cast<std::int32_t>(sum);
 }

@@ -37,7 +37,7 @@ std::uint64_t Mix(std::uint64_t hash, std::uint64_t value) {
 // The seed differs from object to object, so that no text can be made whose keys all collide.
 KeyIndex::KeyIndex(const Storage& storage)
     : seed_(Mix(reinterpret_cast<std::uintptr_t>(this),
-                reinterpret_cast<std::uintptr_t>(storage.Slots()))) {
+                reinterpret_cast<std::uintptr_t>(storage.All().First()))) {
   Build(storage);
 }
 
@@ -61,7 +61,6 @@ std::size_t KeyIndex::Probe(StringView key, std::uint64_t hash, const Storage& s
   for (std::size_t place = static_cast<std::size_t>(hash) & mask;; place = (place + 1) & mask) {
     const Entry& entry = entries_[place];
     if (entry.place == 0) return place;
-    __builtin_prefetch(&storage.At(entry.place - 1));  // what a caller reads next
     if (entry.tag == tag && KeyMatches(storage.Key(entry.place - 1), key)) return place;
   }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -12,7 +13,8 @@ namespace zentavo::json_internal {
 
 // Whether two keys are the same, without regard to case.
 inline bool KeyMatches(StringView a, StringView b) {
-  return a.size() == b.size() && (a == b || SameText(a, b));
+  return a.size() == b.size() &&
+         (std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0 || SameText(a, b));
 }
 
 // Knows the first position of each key of the storage it was built for.

@@ -42,10 +42,6 @@ TJSONObject::TJSONObject(const TJSONObject& Source, const TStringList& Names) : 
   }
 }
 
-TJSONObject TJSONObject::FromUtf8(std::string_view Text) {
-  return TJSONObject(StringView(zentavo::FromUtf8(Text)));
-}
-
 TJSONObject TJSONObject::FromStream(TStream& Source) {
   return FromUtf8(json_internal::RestOf(Source));
 }
@@ -136,7 +132,7 @@ TJSONObject& TJSONObject::put(StringView Key, std::int32_t Value) {
 TJSONObject& TJSONObject::put(StringView Key, StringView Value) {
   std::uint32_t index;
   const Storage::OldBlock old = Place(Key, Value.size(), index);
-  const Slot text = Slot::OfText(storage_.AddText(Value));
+  const Slot text = storage_.AddText(Value);
   Free(index);
   storage_.At(index) = text;
   return *this;
@@ -149,8 +145,7 @@ TJSONObject& TJSONObject::put(StringView Key, std::unique_ptr<TZAbstractObject> 
   }
   std::uint32_t index;
   const Storage::OldBlock old = Place(Key, 0, index);
-  Free(index);
-  storage_.At(index) = Owned(std::move(Value));
+  Own(index, std::move(Value));
   return *this;
 }
 
@@ -227,7 +222,7 @@ void TJSONObject::assignTo(TJSONObject& Target) const {
     } else {
       const Storage::OldBlock old = Target.storage_.MakeRoom(1, key.size());
       Target.Append(key);
-      Target.storage_.At(Target.storage_.Count() - 1) = Owned(std::move(copy));
+      Target.Own(Target.storage_.Count() - 1, std::move(copy));
     }
   }
 }

@@ -1,72 +1,104 @@
 // Builds values from JSON text: internal to the JSON classes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
-#include "zentavo/json/cursor.h"
-#include "zentavo/json/storage.h"
-#include "zentavo/json/text_buffer.h"
+#include "zentavo/json/arena.h"
+#include "zentavo/json/plain_text.h"
+#include "zentavo/json/run.h"
+#include "zentavo/json/slot.h"
+#include "zentavo/json/source.h"
 #include "zentavo/json/value.h"
 
 namespace zentavo::json_internal {
 
-// Reads one value from a cursor's place on and leaves the cursor behind it. Containers that are not
-// complete lie on common stacks of slots, keys and units, each with its part on top, and move into
-// a block of their own once their size is known; so nesting takes no call stack. A failed reading
-// frees what was built.
+// Reads one value from a place in a source on. Texts and the cells of complete containers go to a
+// document; those of containers that are still open lie on a common stack, each with its part on
+// top, until their number is known. So nesting takes no call stack, and a failed reading leaves
+// nothing behind.
+template <typename Unit>
 class Reader {
  public:
-  Reader(Cursor& cursor, std::int32_t max_depth) : cursor_(cursor), max_depth_(max_depth) {}
+  Reader(const Source<Unit>& source, std::int32_t max_depth);
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
   ~Reader();
 
-  std::unique_ptr<TZAbstractObject> ReadValue();
-  // A value that must be an object or an array.
-  std::unique_ptr<TZAbstractObject> ReadObject();
-  std::unique_ptr<TZAbstractObject> ReadArray();
+  // These leave `here` behind the value.
+  std::unique_ptr<TZAbstractObject> ReadValue(const Unit*& here);
+  // A value that must be of `kind`, an object or an array.
+  std::unique_ptr<TZAbstractObject> ReadContainer(const Unit*& here, JSONKind kind);
+  // The rest of a text in quotes.
+  String ReadString(const Unit*& here, Unit quote);
 
  private:
-  enum class Step : std::uint8_t { kNext, kValue, kBehindKey, kBehindValue, kDone };
+  enum class Step : std::uint8_t { kValue, kMember, kElement, kBehindKey, kBehindValue, kDone };
+
+  // What comes next, and where.
+  struct State {
+    const Unit* here;
+    Step step;
+  };
 
   // A container that is being read.
   struct Frame {
+    std::size_t first_cell;
     bool is_object;
     bool is_key;  // its text form becomes a key of the object around it
-    std::uint32_t first_slot;
-    std::uint32_t first_key;
-    std::size_t first_unit;
   };
 
-  std::unique_ptr<TZAbstractObject> Follow(Step step);
-  std::unique_ptr<TZAbstractObject> ReadContainer(bool is_object, StringView complaint);
-  Step TakeValue(char16_t first);
-  Step TakeNext();
-  Step TakeKey();
-  Step TakeElement();
-  Step BehindKey();
-  Step BehindValue();
+  std::unique_ptr<TZAbstractObject> Follow(State state, const Unit*& here);
+  State TakeMember(const Unit* here);
+  State TakeElement(const Unit* here);
+  State TakeValue(const Unit* here);
+  State TakeValueAt(const Unit* here);  // a significant unit
+  State BehindKey(const Unit* here);
+  State BehindValue(const Unit* here);
 
-  Step Open(bool is_object, bool is_key);
-  Step Close();
-  std::unique_ptr<TZAbstractObject> Build(const Frame& frame);
-  void CutTo(const Frame& frame);
-  Slot TakeText(char16_t quote);
-  Slot TakeBare();
-  Slot TakeBareText();
-  void AddKeyOf(const Slot& slot);
-  TextRef TextFrom(std::size_t first_unit) const;
+  State Open(const Unit* here, bool is_object, bool is_key);
+  State Close(const Unit* here);
+  State CloseKey(const Unit* here);
+  Slot* TakeCells(std::size_t first, std::size_t count);
+  void SetAround();
+
+  const Unit* TakeText(const Unit* here, Unit quote, Slot* slot);
+  const Unit* TakeHardText(Copied<Unit> copied, Unit quote, Slot* slot);
+  const Unit* TakeBare(const Unit* here, Slot* slot);
+  const Unit* TakeBareText(const Unit* here, Slot* slot);
+  void MakeKey(Slot& slot);
+  char16_t* AddUnits(char16_t* out, StringView units, const Unit* here);
+  char16_t* MoveText(char16_t* out, std::size_t need, const Unit* here);
   std::unique_ptr<TZAbstractObject> TakeResult();
 
-  Cursor& cursor_;
+  const Source<Unit>& source_;
+  Document document_;
+  Arena& arena_;
+  const Unit* last_stop_;
+  // Of the innermost container.
+  char closer_ = 0;
+  Step next_ = Step::kDone;
   std::int32_t max_depth_;
   std::int32_t key_depth_ = 0;
-  std::size_t first_unit_ = 0;  // of the innermost frame
-  Run<Frame> frames_;
-  Run<Slot> slots_;
-  Run<TextRef> keys_;
-  TextBuffer texts_;
+  Run<Frame, 32> frames_;
+  Run<Slot, 64> slots_;
 };
+
+extern template class Reader<char16_t>;
+extern template class Reader<char>;
+
+// The one value that a text is.
+template <typename Unit>
+std::unique_ptr<TZAbstractObject> ReadWhole(std::basic_string_view<Unit> text);
+extern template std::unique_ptr<TZAbstractObject> ReadWhole(std::u16string_view);
+extern template std::unique_ptr<TZAbstractObject> ReadWhole(std::string_view);
+
+// The object or array that a text begins with.
+template <typename Unit>
+std::unique_ptr<TZAbstractObject> ReadFirst(std::basic_string_view<Unit> text, JSONKind kind);
+extern template std::unique_ptr<TZAbstractObject> ReadFirst(std::u16string_view, JSONKind);
+extern template std::unique_ptr<TZAbstractObject> ReadFirst(std::string_view, JSONKind);
 
 }  // namespace zentavo::json_internal

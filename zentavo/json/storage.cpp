@@ -1,7 +1,7 @@
 #include "zentavo/json/storage.h"
 
 #include <algorithm>
-#include <cstring>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -9,110 +9,98 @@
 
 namespace zentavo::json_internal {
 
-Storage::Storage(bool keyed, std::span<const Slot> slots, const TextRef* keys, StringView text)
-    : keyed_(keyed) {
-  Allocate(slots.size(), text.size());
-  std::copy(slots.begin(), slots.end(), Slots());
-  if (keyed) std::copy_n(keys, slots.size(), KeysIn(block_.get(), capacity_));
-  std::copy(text.begin(), text.end(), Units());
-  count_ = capacity_;
-  units_ = unit_capacity_;
-}
-
-Storage::Storage(const Storage& other) : keyed_(other.keyed_) {
-  Allocate(other.count_, other.units_ - other.unused_units_);
-  CopyContent(other);
-}
-
 Storage::Storage(Storage&& other) noexcept : Storage(other.keyed_) {
   swap(other);
 }
 
 void Storage::swap(Storage& other) noexcept {
+  std::swap(cells_, other.cells_);
   std::swap(block_, other.block_);
+  std::swap(units_, other.units_);
+  std::swap(units_end_, other.units_end_);
+  std::swap(document_, other.document_);
   std::swap(count_, other.count_);
   std::swap(capacity_, other.capacity_);
-  std::swap(units_, other.units_);
-  std::swap(unit_capacity_, other.unit_capacity_);
-  std::swap(unused_units_, other.unused_units_);
+  std::swap(owns_, other.owns_);
 }
 
-void Storage::Allocate(std::size_t slots, std::size_t units) {
-  constexpr std::size_t kLimit = std::numeric_limits<std::uint32_t>::max();
+void Storage::Adopt(Document document, Slot* cells, std::uint32_t count, bool owns) {
+  Clear();
+  document_ = std::move(document);
+  cells_ = cells;
+  count_ = capacity_ = count;
+  owns_ = owns;
+}
+
+void Storage::Allocate(std::size_t values, std::size_t units) {
+  constexpr std::size_t kLimit = std::numeric_limits<std::uint32_t>::max() / 2;
   constexpr std::size_t kBytes = std::numeric_limits<std::size_t>::max() / 2;
-  if (slots > kLimit || units > kLimit || slots > kBytes / SlotBytes(keyed_) ||
-      units > (kBytes - slots * SlotBytes(keyed_)) / sizeof(char16_t)) {
+  const std::size_t cells = Cells::Size(values, keyed_);
+  if (values > kLimit || units > kLimit || cells > kBytes / sizeof(Slot) ||
+      units > (kBytes - cells * sizeof(Slot)) / sizeof(char16_t)) {
     throw ERangeError(u"Range check error");
   }
-  const std::size_t bytes = slots * SlotBytes(keyed_) + units * sizeof(char16_t);
-  if (bytes > 0) block_ = std::make_unique_for_overwrite<std::byte[]>(bytes);
-  capacity_ = static_cast<std::uint32_t>(slots);
-  unit_capacity_ = static_cast<std::uint32_t>(units);
+  const std::size_t bytes = cells * sizeof(Slot) + units * sizeof(char16_t);
+  block_ = std::make_unique_for_overwrite<std::byte[]>(bytes);
+  cells_ = reinterpret_cast<Slot*>(block_.get());
+  units_ = reinterpret_cast<char16_t*>(cells_ + cells);
+  units_end_ = units_ + units;
+  capacity_ = static_cast<std::uint32_t>(values);
 }
 
-void Storage::CopyContent(const Storage& from) {
-  std::copy_n(from.Slots(), from.count_, Slots());
-  if (keyed_) std::copy_n(from.Keys(), from.count_, KeysIn(block_.get(), capacity_));
-  count_ = from.count_;
-  if (from.unused_units_ > 0) {
-    CopyUsedTexts(from);
-  } else {
-    std::copy_n(from.Units(), from.units_, Units());
-    units_ = from.units_;
+bool Storage::HasText(const Slot& slot) const {
+  const auto* start = reinterpret_cast<const char16_t*>(block_.get());
+  return slot.kind == SlotKind::kText && !std::less<>()(slot.units, start) &&
+         std::less<>()(slot.units, units_end_);
+}
+
+std::size_t Storage::CountUnits() const {
+  std::size_t units = 0;
+  for (const Slot* cell = All().First(); cell != All().End(); ++cell) {
+    if (HasText(*cell)) units += cell->size;
   }
+  return units;
 }
 
-void Storage::CopyUsedTexts(const Storage& from) {
-  TextRef* keys = KeysIn(block_.get(), capacity_);
-  for (std::uint32_t index = 0; index < count_; ++index) {
-    if (keyed_) keys[index] = AddText(from.Key(index));
-    Slot& slot = At(index);
-    if (slot.kind == SlotKind::kText) slot.text = AddText(from.Text(slot.text));
-  }
-}
-
-Storage::OldBlock Storage::MakeRoom(std::uint32_t slots, std::size_t units) {
-  const std::size_t need_slots = std::size_t{count_} + slots;
-  const std::size_t need_units = units_ + units;
-  if (need_slots <= capacity_ && need_units <= unit_capacity_) return nullptr;
-  const std::size_t live_units = units_ - unused_units_ + units;
+Storage::OldBlock Storage::MakeRoom(std::uint32_t values, std::size_t units) {
+  const std::size_t need = std::size_t{count_} + values;
+  if (need <= capacity_ && units <= static_cast<std::size_t>(units_end_ - units_)) return nullptr;
+  const std::size_t all_units = CountUnits() + units;
   Storage grown(keyed_);
-  grown.Allocate(need_slots <= capacity_ ? capacity_ : need_slots + need_slots / 2 + 1,
-                 need_units <= unit_capacity_ ? unit_capacity_ : live_units + live_units / 2);
-  grown.CopyContent(*this);
+  grown.Allocate(need <= capacity_ ? capacity_ : need + need / 2 + 1, all_units + all_units / 2);
+  Slot* to = grown.cells_;
+  for (const Slot* cell = All().First(); cell != All().End(); ++cell) {
+    *to++ = HasText(*cell) ? grown.AddText(cell->Text()) : *cell;
+  }
+  grown.count_ = count_;
+  grown.owns_ = owns_;
+  grown.document_ = document_;
   swap(grown);
   return std::move(grown.block_);
 }
 
-TextRef Storage::AddText(StringView text) {
-  const TextRef added{units_, static_cast<std::uint32_t>(text.size())};
-  std::copy(text.begin(), text.end(), Units() + units_);
-  units_ += added.length;
+Slot Storage::AddText(StringView text) {
+  const Slot added = Slot::OfText({units_, text.size()});
+  units_ = std::copy(text.begin(), text.end(), units_);
   return added;
 }
 
-void Storage::AddSlot(Slot slot) {
-  Slots()[count_++] = slot;
-}
-
-void Storage::AddMember(TextRef key, Slot slot) {
-  KeysIn(block_.get(), capacity_)[count_] = key;
-  AddSlot(slot);
+void Storage::AddMember(const Slot& key, const Slot& value) {
+  Slot* cells = cells_ + Cells::Size(count_++, true);
+  cells[0] = key;
+  cells[1] = value;
 }
 
 void Storage::Erase(std::uint32_t index) {
-  if (keyed_) {
-    TextRef* keys = KeysIn(block_.get(), capacity_);
-    DropText(keys[index]);
-    std::copy(keys + index + 1, keys + count_, keys + index);
-  }
-  std::copy(Slots() + index + 1, Slots() + count_, Slots() + index);
+  const auto cells = static_cast<std::ptrdiff_t>(Cells::Size(1, keyed_));
+  Slot* first = cells_ + Cells::Size(index, keyed_);
+  std::copy(first + cells, cells_ + Cells::Size(count_, keyed_), first);
   --count_;
 }
 
 void Storage::Clear() noexcept {
-  block_.reset();
-  count_ = capacity_ = units_ = unit_capacity_ = unused_units_ = 0;
+  Storage empty(keyed_);
+  swap(empty);
 }
 
 }  // namespace zentavo::json_internal

@@ -5,43 +5,38 @@
 #include "zentavo/json/object.h"
 #include "zentavo/json/reader.h"
 #include "zentavo/json/tokener.h"
+#include "zentavo/json/value_view.h"
 #include "zentavo/json/writer.h"
 
 namespace zentavo {
 
-using json_internal::Cursor;
-using json_internal::Reader;
-using json_internal::TextBuffer;
-using json_internal::ViewOf;
+using json_internal::SlotOf;
 
 String quote(StringView Text) {
-  TextBuffer out;
-  json_internal::AppendQuoted(out, Text);
-  return String(out.View());
+  String text;
+  json_internal::AppendQuoted(text, Text);
+  return text;
 }
 
 String valueToString(const TZAbstractObject* Value) {
-  TextBuffer out;
-  AppendValue(out, ViewOf(Value));
-  return String(out.View());
+  String text;
+  AppendValue(text, SlotOf(Value));
+  return text;
 }
 
 String valueToString(const TZAbstractObject* Value, std::int32_t IndentFactor,
                      std::int32_t Indent) {
-  TextBuffer out;
-  AppendValue(out, ViewOf(Value), json_internal::Indentation{IndentFactor, Indent});
-  return String(out.View());
+  String text;
+  AppendValue(text, SlotOf(Value), json_internal::Indentation{IndentFactor, Indent});
+  return text;
 }
 
 std::unique_ptr<TZAbstractObject> ReadJSON(StringView Text) {
-  Cursor cursor(Text);
-  auto value = Reader(cursor, kMaxJSONDepth).ReadValue();
-  if (cursor.NextClean() != 0) throw cursor.Error(u"Unexpected text after the value");
-  return value;
+  return json_internal::ReadWhole(Text);
 }
 
 std::unique_ptr<TZAbstractObject> ReadJSONUtf8(std::string_view Text) {
-  return ReadJSON(StringView(FromUtf8(Text)));
+  return json_internal::ReadWhole(Text);
 }
 
 std::unique_ptr<TZAbstractObject> ReadJSON(TStream& Source) {

@@ -1,5 +1,6 @@
 #include "zentavo/json/tokener.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "zentavo/framework/stream.h"
@@ -9,23 +10,37 @@
 
 namespace zentavo {
 
-using json_internal::Cursor;
 using json_internal::Reader;
-using json_internal::TextBuffer;
+using json_internal::ReadFirst;
 
-JSONTokener::JSONTokener(String Text) : FText(std::move(Text)), FCursor(FText) {}
+JSONTokener::JSONTokener(String Text) : FText(std::move(Text)) {}
+
+json_internal::Source<char16_t> JSONTokener::Whole() const {
+  return json_internal::Source<char16_t>(FText);
+}
+
+template <typename Step>
+auto JSONTokener::Take(Step read) {
+  FMetEnd = false;
+  Place here = Here();
+  try {
+    auto taken = read(Whole(), here);
+    MoveTo(here);
+    return taken;
+  } catch (const ParseException& error) {
+    FIndex = static_cast<std::size_t>(error.Position());
+    throw;
+  }
+}
 
 void JSONTokener::back() {
-  if (!FMetEnd && FCursor.Index() > 0) FCursor.SetIndex(FCursor.Index() - 1);
+  if (!FMetEnd && FIndex > 0) --FIndex;
   FMetEnd = false;
 }
 
 char16_t JSONTokener::next() {
-  FMetEnd = FCursor.AtEnd();
-  if (FMetEnd) return 0;
-  const char16_t unit = *FCursor.Here();
-  FCursor.SetIndex(FCursor.Index() + 1);
-  return unit;
+  FMetEnd = !more();
+  return FMetEnd ? u'\0' : FText[FIndex++];
 }
 
 char16_t JSONTokener::next(char16_t Ch) {
@@ -36,62 +51,67 @@ char16_t JSONTokener::next(char16_t Ch) {
 }
 
 String JSONTokener::next(std::int32_t N) {
-  if (N < 0 || std::cmp_greater(N, FCursor.End() - FCursor.Here())) {
+  if (N < 0 || std::cmp_greater(N, FText.size() - FIndex)) {
     throw syntaxError(u"Substring bounds error");
   }
-  const String taken(FCursor.Here(), static_cast<std::size_t>(N));
-  FCursor.SetIndex(FCursor.Index() + taken.size());
+  const String taken(FText, FIndex, static_cast<std::size_t>(N));
+  FIndex += taken.size();
   FMetEnd = false;
   return taken;
 }
 
 char16_t JSONTokener::nextClean() {
-  const char16_t unit = FCursor.NextClean();
-  FMetEnd = unit == 0;
-  return unit;
+  Take([](const auto& source, Place& here) { return here = source.Clean(source.SkipMark(here)); });
+  return next();
 }
 
 String JSONTokener::nextString(char16_t Quote) {
-  TextBuffer text;
-  FCursor.AppendString(text, Quote);
-  FMetEnd = false;
-  return String(text.View());
+  return Take([this, Quote](const auto& source, Place& here) {
+    return Reader<char16_t>(source, FMaxDepth).ReadString(here, Quote);
+  });
 }
 
 String JSONTokener::nextTo(StringView Delimiters) {
-  const StringView rest = FCursor.Text().substr(FCursor.Index());
+  const StringView rest = StringView(FText).substr(FIndex);
   const String stops = String(Delimiters) + u"\n\r";
   const StringView taken = rest.substr(0, rest.find_first_of(stops));
-  FCursor.SetIndex(FCursor.Index() + taken.size());
+  FIndex += taken.size();
   FMetEnd = false;
   return Trim(taken);
 }
 
 std::unique_ptr<TZAbstractObject> JSONTokener::nextValue() {
-  FMetEnd = false;
-  return Reader(FCursor, FMaxDepth).ReadValue();
+  return Take([this](const auto& source, Place& here) {
+    return Reader<char16_t>(source, FMaxDepth).ReadValue(here);
+  });
+}
+
+std::unique_ptr<TZAbstractObject> JSONTokener::TakeContainer(JSONKind kind) {
+  return Take([this, kind](const auto& source, Place& here) {
+    return Reader<char16_t>(source, FMaxDepth).ReadContainer(here, kind);
+  });
 }
 
 char16_t JSONTokener::skipTo(char16_t Ch) {
-  const std::size_t found = FCursor.Text().find(Ch, FCursor.Index());
+  const std::size_t found = FText.find(Ch, FIndex);
   FMetEnd = false;
-  if (found == StringView::npos) return 0;
-  FCursor.SetIndex(found);
+  if (found == String::npos) return 0;
+  FIndex = found;
   return Ch;
 }
 
 void JSONTokener::skipPast(StringView Text) {
-  const std::size_t found = FCursor.Text().find(Text, FCursor.Index());
+  const std::size_t found = FText.find(Text, FIndex);
   FMetEnd = false;
-  FCursor.SetIndex(found == StringView::npos ? FCursor.Text().size() : found + Text.size());
+  FIndex = found == String::npos ? FText.size() : found + Text.size();
 }
 
 ParseException JSONTokener::syntaxError(StringView Msg) const {
-  return FCursor.Error(Msg);
+  return FIndex == 0 ? Whole().ErrorBefore(Msg, Here()) : Whole().ErrorAt(Msg, Here() - 1);
 }
 
 String JSONTokener::toString() const {
-  return FCursor.Description();
+  return json_internal::Description(FText, FIndex);
 }
 
 std::int32_t JSONTokener::dehexchar(char16_t Ch) {
@@ -131,25 +151,27 @@ AnsiString RestOf(TStream& source) {
 }  // namespace json_internal
 
 TJSONObject::TJSONObject(JSONTokener& Tokener) : TJSONObject() {
-  const auto read = Reader(Tokener.FCursor, Tokener.MaxDepth()).ReadObject();
-  Swap(static_cast<TJSONObject&>(*read));
+  Swap(static_cast<TJSONObject&>(*Tokener.TakeContainer(JSONKind::kObject)));
 }
 
 TJSONObject::TJSONObject(StringView Text) : TJSONObject() {
-  Cursor cursor(Text);
-  const auto read = Reader(cursor, kMaxJSONDepth).ReadObject();
-  Swap(static_cast<TJSONObject&>(*read));
+  Swap(static_cast<TJSONObject&>(*ReadFirst(Text, JSONKind::kObject)));
+}
+
+TJSONObject TJSONObject::FromUtf8(std::string_view Text) {
+  return std::move(static_cast<TJSONObject&>(*ReadFirst(Text, JSONKind::kObject)));
 }
 
 TJSONArray::TJSONArray(JSONTokener& Tokener) : TJSONArray() {
-  const auto read = Reader(Tokener.FCursor, Tokener.MaxDepth()).ReadArray();
-  Swap(static_cast<TJSONArray&>(*read));
+  Swap(static_cast<TJSONArray&>(*Tokener.TakeContainer(JSONKind::kArray)));
 }
 
 TJSONArray::TJSONArray(StringView Text) : TJSONArray() {
-  Cursor cursor(Text);
-  const auto read = Reader(cursor, kMaxJSONDepth).ReadArray();
-  Swap(static_cast<TJSONArray&>(*read));
+  Swap(static_cast<TJSONArray&>(*ReadFirst(Text, JSONKind::kArray)));
+}
+
+TJSONArray TJSONArray::FromUtf8(std::string_view Text) {
+  return std::move(static_cast<TJSONArray&>(*ReadFirst(Text, JSONKind::kArray)));
 }
 
 }  // namespace zentavo

@@ -22,7 +22,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "zentavo/json/cursor.h"
+#include "zentavo/json/source.h"
 #include "zentavo/json/value.h"
 
 namespace zentavo {
@@ -47,7 +47,7 @@ class ZENTAVO_API JSONTokener {
 
   // Takes back the last unit; nothing when `next` has just met the end, or at the start.
   void back();
-  bool more() const { return !FCursor.AtEnd(); }
+  bool more() const { return FIndex < FText.size(); }
   char16_t next();  // unit 0 at the end
   // Raises "Expected X and instead saw Y." unless the next unit is `Ch`.
   char16_t next(char16_t Ch);
@@ -72,8 +72,19 @@ class ZENTAVO_API JSONTokener {
   friend class TJSONArray;
   friend class TJSONObject;
 
+  using Place = const char16_t*;
+
+  Place Here() const { return FText.data() + FIndex; }
+  void MoveTo(Place here) { FIndex = static_cast<std::size_t>(here - FText.data()); }
+  json_internal::Source<char16_t> Whole() const;
+  // What `read` makes of the source from here on. The index goes behind it, or to what is wrong.
+  template <typename Step>
+  auto Take(Step read);
+  // A value that must be of `kind`, an object or an array.
+  std::unique_ptr<TZAbstractObject> TakeContainer(JSONKind kind);
+
   String FText;
-  json_internal::Cursor FCursor;
+  std::size_t FIndex = 0;
   std::int32_t FMaxDepth = kMaxJSONDepth;
   bool FMetEnd = false;
 };

@@ -114,9 +114,9 @@ bool _Double::instanceOf(const TZAbstractObject& Value) const {
   return dynamic_cast<const _Double*>(&Value) != nullptr;
 }
 String _Double::toString() const {
-  json_internal::TextBuffer out;
-  json_internal::AppendDouble(out, FValue);
-  return String(out.View());
+  String text;
+  AppendValue(text, json_internal::Slot::OfDouble(FValue));
+  return text;
 }
 StringView _Double::ClassName() const {
   return u"_Double";

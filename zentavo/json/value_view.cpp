@@ -5,6 +5,7 @@
 
 #include "zentavo/framework/number_text.h"
 #include "zentavo/json/container.h"
+#include "zentavo/json/writer.h"
 
 namespace zentavo::json_internal {
 
@@ -22,8 +23,8 @@ ValueView OfDouble(double value) {
 ValueView OfText(StringView text) {
   return {.kind = JSONKind::kString, .text = text};
 }
-ValueView OfObject(const TZAbstractObject* object) {
-  return {.kind = object->Kind(), .object = object};
+ValueView OfCells(const Cells& cells) {
+  return {.kind = cells.Keyed() ? JSONKind::kObject : JSONKind::kArray, .cells = cells};
 }
 
 bool IsNumber(const ValueView& value) {
@@ -32,7 +33,7 @@ bool IsNumber(const ValueView& value) {
 
 }  // namespace
 
-ValueView ViewOf(const Slot& slot, const Storage& storage) {
+ValueView ViewOf(const Slot& slot) {
   switch (slot.kind) {
     case SlotKind::kMissing: return {.missing = true};
     case SlotKind::kNull: return {};
@@ -40,8 +41,11 @@ ValueView ViewOf(const Slot& slot, const Storage& storage) {
     case SlotKind::kTrue: return OfBoolean(true);
     case SlotKind::kInteger: return OfInteger(slot.integer);
     case SlotKind::kDouble: return OfDouble(slot.number);
-    case SlotKind::kText: return OfText(storage.Text(slot.text));
-    case SlotKind::kContainer: return OfObject(slot.object);
+    case SlotKind::kDecimal: return OfDouble(slot.DecimalValue());
+    case SlotKind::kText: return OfText(slot.Text());
+    case SlotKind::kObject:
+    case SlotKind::kArray: return OfCells(Cells(slot));
+    case SlotKind::kContainer: return OfCells(CellsOf(slot.object));
     case SlotKind::kBoxed: break;
   }
   return ViewOf(slot.object);
@@ -55,8 +59,36 @@ ValueView ViewOf(const TZAbstractObject* value) {
     case JSONKind::kInteger: return OfInteger(static_cast<const _Integer*>(value)->intValue());
     case JSONKind::kDouble: return OfDouble(static_cast<const _Double*>(value)->doubleValue());
     case JSONKind::kString: return OfText(static_cast<const _String*>(value)->Text());
-    default: return OfObject(value);
+    case JSONKind::kObject:
+    case JSONKind::kArray: return OfCells(CellsOf(value));
+    case JSONKind::kOther: break;
   }
+  return {.kind = JSONKind::kOther, .object = value};
+}
+
+Slot SlotOf(const ValueView& value) {
+  switch (value.kind) {
+    case JSONKind::kNull: return Slot::Of(value.missing ? SlotKind::kMissing : SlotKind::kNull);
+    case JSONKind::kBoolean: return Slot::OfBoolean(value.boolean);
+    case JSONKind::kInteger: return Slot::OfInteger(value.integer);
+    case JSONKind::kDouble: return Slot::OfDouble(value.number);
+    case JSONKind::kString: return Slot::OfText(value.text);
+    case JSONKind::kOther: break;
+    default: {
+      auto* first = const_cast<Slot*>(value.cells.First());  // for reading only
+      const SlotKind kind = value.kind == JSONKind::kObject ? SlotKind::kObject : SlotKind::kArray;
+      return Slot::OfCells(kind, first, value.cells.Count());
+    }
+  }
+  return Slot::OfObject(SlotKind::kBoxed, const_cast<TZAbstractObject*>(value.object));
+}
+
+Slot SlotOf(const TZAbstractObject* value) {
+  return SlotOf(ViewOf(value));
+}
+
+Cells CellsOf(const TZAbstractObject* container) {
+  return Access::Of(static_cast<const TJSONContainer&>(*container)).All();
 }
 
 std::optional<bool> ReadBoolean(const ValueView& value) {
@@ -95,8 +127,12 @@ String ReadText(const ValueView& value) {
     case JSONKind::kInteger: return IntToStr(value.integer);
     case JSONKind::kDouble: return _Double(value.number).toString();
     case JSONKind::kString: return String(value.text);
-    default: return value.object->toString();
+    case JSONKind::kOther: return value.object->toString();
+    default: break;
   }
+  String text;
+  AppendValue(text, SlotOf(value));
+  return text;
 }
 
 bool ScalarsEqual(const ValueView& a, const ValueView& b) {
@@ -106,7 +142,8 @@ bool ScalarsEqual(const ValueView& a, const ValueView& b) {
     case JSONKind::kNull: return true;
     case JSONKind::kBoolean: return a.boolean == b.boolean;
     case JSONKind::kString: return a.text == b.text;
-    default: return a.object == b.object || a.object->equals(*b.object);
+    case JSONKind::kOther: return a.object == b.object || a.object->equals(*b.object);
+    default: return a.cells.First() == b.cells.First();
   }
 }
 
@@ -128,7 +165,8 @@ std::int32_t HashOf(const ValueView& value) {
     case JSONKind::kInteger:
     case JSONKind::kDouble: return HashOf(value.number);
     case JSONKind::kString: return HashOf(value.text);
-    default: return value.object->hash();
+    case JSONKind::kOther: return value.object->hash();
+    default: return static_cast<std::int32_t>(value.cells.Count());
   }
 }
 

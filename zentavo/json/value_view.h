@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "zentavo/framework/text.h"
-#include "zentavo/json/storage.h"
+#include "zentavo/json/slot.h"
 #include "zentavo/json/value.h"
 
 namespace zentavo::json_internal {
@@ -18,11 +18,18 @@ struct ValueView {
   std::int32_t integer = 0;
   double number = 0;                         // of integers too
   StringView text = {};                      // of strings
-  const TZAbstractObject* object = nullptr;  // containers and host classes
+  Cells cells = {};                          // of containers
+  const TZAbstractObject* object = nullptr;  // of host classes
+
+  bool IsContainer() const { return kind == JSONKind::kObject || kind == JSONKind::kArray; }
 };
 
-ValueView ViewOf(const Slot& slot, const Storage& storage);
+ValueView ViewOf(const Slot& slot);
 ValueView ViewOf(const TZAbstractObject* value);  // null: missing
+// A slot that owns nothing: a scalar, or one that lends `value`.
+Slot SlotOf(const ValueView& value);
+Slot SlotOf(const TZAbstractObject* value);
+Cells CellsOf(const TZAbstractObject* container);
 
 // The readings behind the typed operations; nothing when the value has none.
 std::optional<bool> ReadBoolean(const ValueView& value);

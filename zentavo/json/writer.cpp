@@ -1,126 +1,245 @@
 #include "zentavo/json/writer.h"
 
 #include <algorithm>
-#include <vector>
+#include <array>
 
-#include "zentavo/json/container.h"
+#include "zentavo/json/run.h"
+#include "zentavo/json/scalar_text.h"
+#include "zentavo/json/unfilled_text.h"
+#include "zentavo/json/value_view.h"
 
 namespace zentavo::json_internal {
 
 namespace {
 
-// Writes one value with all that is in it. Containers that are open are kept in a list of their
-// own, so that nesting takes no stack.
+// Appends one value with all that is in it to a text. Containers that are open are kept in a list
+// of their own, so that nesting takes no stack. Units go to a room of fixed size first, then into
+// the text itself; the functions below write from `out` on and return the end, behind which at
+// least kSlack units are free.
 class Writer {
  public:
-  Writer(TextBuffer& out, std::optional<Indentation> indentation)
-      : out_(out),
+  Writer(String& text, std::optional<Indentation> indentation)
+      : text_(text),
         factor_(indentation ? indentation->factor : 0),
         indent_(indentation ? indentation->indent : 0),
         indented_(indentation.has_value()) {}
 
-  void Write(const ValueView& value) {
-    WriteValue(value, indent_);
-    while (!open_.empty()) WriteNext();
-  }
+  void Write(const Slot& value) { Finish(WriteAll(first_room_.data(), value)); }
+  void WriteQuoted(StringView text) { Finish(WriteText(first_room_.data(), text)); }
 
  private:
   struct Open {
-    const TJSONContainer* container;
-    std::uint32_t next;
-    std::int32_t indent;        // of the closing bracket
-    std::int32_t child_indent;  // of the values
-    bool is_object;
+    const Slot* first;
+    const Slot* next;
+    const Slot* end;
+    std::int32_t indent;  // of the closing bracket
+    bool keyed;
     bool broken;  // one value a line
   };
 
-  void WriteNext();
-  void CloseTop();
-  void WriteKey(StringView key);
-  void WriteSlot(const Slot& slot, const Storage& storage, std::int32_t indent);
-  void WriteValue(const ValueView& value, std::int32_t indent);
-  void OpenContainer(const TJSONContainer& container, std::int32_t indent);
-  void BreakLine(std::int32_t indent) {
-    out_.Add(u'\n');
-    out_.Add(static_cast<std::size_t>(std::max(indent, 0)), u' ');
-  }
+  static constexpr std::size_t kFirstRoom = 1024;
+  static constexpr std::size_t kSlack = 64;
 
-  TextBuffer& out_;
+  // Makes room for so many units and the slack.
+  char16_t* Room(char16_t* out, std::size_t units) {
+    return units + kSlack <= static_cast<std::size_t>(end_ - out) ? out : Grow(out, units);
+  }
+  char16_t* Grow(char16_t* out, std::size_t units);
+  void Finish(const char16_t* out);
+  double Done() const;
+
+  std::int32_t ChildIndent(const Open& open) const {
+    return open.broken ? open.indent + factor_ : open.indent;
+  }
+  char16_t* WriteAll(char16_t* out, const Slot& value);
+  char16_t* WriteNext(char16_t* out);
+  char16_t* OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent);
+  char16_t* Close(char16_t* out, const Open& top);
+  char16_t* WriteBefore(char16_t* out, Open& top);
+  char16_t* WriteText(char16_t* out, StringView text);
+  char16_t* WriteLongText(char16_t* out, StringView text);
+  char16_t* WriteWord(char16_t* out, StringView word);
+  char16_t* WriteScalar(char16_t* out, const Slot& value);
+  char16_t* WriteBoxed(char16_t* out, const Slot& value);
+  char16_t* BreakLine(char16_t* out, std::int32_t indent);
+
+  String& text_;
+  std::size_t old_size_ = text_.size();
   std::int32_t factor_;
   std::int32_t indent_;
   bool indented_;
-  std::vector<Open> open_;
+  Run<Open, 32> open_;
+  std::array<char16_t, kFirstRoom> first_room_;
+  char16_t* end_ = first_room_.data() + first_room_.size();
+  bool in_text_ = false;
 };
 
-void Writer::OpenContainer(const TJSONContainer& container, std::int32_t indent) {
-  const bool is_object = container.Kind() == JSONKind::kObject;
-  const std::uint32_t count = Access::Of(container).Count();
-  if (count == 0) {
-    out_.Add(is_object ? StringView(u"{}") : StringView(u"[]"));
-    return;
-  }
-  out_.Add(is_object ? u'{' : u'[');
-  const bool broken = indented_ && count > 1;
-  open_.push_back({&container, 0, indent, broken ? indent + factor_ : indent, is_object, broken});
+// How much larger everything may be than the part of so many units that is written, which is the
+// share `done` of it. Such a guess may be far off, so it is not trusted too far.
+double GuessFactor(std::size_t units, double done) {
+  constexpr double kMargin = 1.125;
+  constexpr double kLeast = 1.5;
+  const double most = units < 65536 ? 16 : units < 1048576 ? 32 : 4;
+  return std::clamp(kMargin / std::max(done, 1e-9), kLeast, most);
 }
 
-// Writes the values of the innermost container up to its end or to a container in it.
-void Writer::WriteNext() {
-  const std::size_t depth = open_.size();
-  const Storage& storage = Access::Of(*open_.back().container);
-  while (open_.size() == depth) {
-    Open& top = open_.back();
-    if (top.next == storage.Count()) return CloseTop();
-    const std::uint32_t index = top.next++;
-    if (index > 0) out_.Add(u',');
-    if (top.broken) BreakLine(top.child_indent);
-    if (top.is_object) WriteKey(storage.Key(index));
-    WriteSlot(storage.At(index), storage, top.child_indent);
-  }
+// Moves on into the text, which gets the size that it may have in the end.
+char16_t* Writer::Grow(char16_t* out, std::size_t units) {
+  const char16_t* start = in_text_ ? text_.data() + old_size_ : first_room_.data();
+  const auto done = static_cast<std::size_t>(out - start);
+  const auto guess = static_cast<std::size_t>(static_cast<double>(done + units + kSlack) *
+                                              GuessFactor(done, Done()));
+  ResizeUnfilled(text_, old_size_ + (in_text_ ? done : 0));
+  text_.reserve(old_size_ + guess);
+  if (!in_text_) text_.append(first_room_.data(), done);
+  in_text_ = true;
+  ResizeUnfilled(text_, text_.capacity());
+  end_ = text_.data() + text_.size();
+  return text_.data() + old_size_ + done;
 }
 
-void Writer::CloseTop() {
-  const Open& top = open_.back();
-  if (top.broken) BreakLine(top.indent);
-  out_.Add(top.is_object ? u'}' : u']');
-  open_.pop_back();
-}
-
-void Writer::WriteKey(StringView key) {
-  AppendQuoted(out_, key);
-  out_.Add(u':');
-  if (indented_) out_.Add(u' ');
-}
-
-// As WriteValue, but quicker for what most slots hold.
-void Writer::WriteSlot(const Slot& slot, const Storage& storage, std::int32_t indent) {
-  switch (slot.kind) {
-    case SlotKind::kText: return AppendQuoted(out_, storage.Text(slot.text));
-    case SlotKind::kInteger: return AppendInteger(out_, slot.integer);
-    case SlotKind::kDouble: return AppendDouble(out_, slot.number);
-    case SlotKind::kContainer:
-      return OpenContainer(static_cast<const TJSONContainer&>(*slot.object), indent);
-    default: WriteValue(ViewOf(slot, storage), indent);
+void Writer::Finish(const char16_t* out) {
+  if (in_text_) {
+    ResizeUnfilled(text_, static_cast<std::size_t>(out - text_.data()));
+    if (text_.capacity() / 2 > text_.size()) text_.shrink_to_fit();
+  } else {
+    text_.append(first_room_.data(), static_cast<std::size_t>(out - first_room_.data()));
   }
 }
 
-void Writer::WriteValue(const ValueView& value, std::int32_t indent) {
+// The share of the value that is written, as if all values of a container were of one size.
+double Writer::Done() const {
+  double done = 1;
+  for (std::size_t index = open_.Size(); index-- > 0;) {
+    const Open& open = open_.Begin()[index];
+    const auto written = static_cast<double>(open.next - open.first);
+    done = (written - 1 + done) / static_cast<double>(open.end - open.first);
+  }
+  return done;
+}
+
+char16_t* Writer::WriteAll(char16_t* out, const Slot& value) {
+  const bool is_container = value.kind == SlotKind::kContainer;
+  if (!value.IsNested() && !is_container) return WriteScalar(out, value);
+  out = OpenContainer(out, is_container ? CellsOf(value.object) : Cells(value), indent_);
+  while (!open_.Empty()) out = WriteNext(out);
+  return out;
+}
+
+inline char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent) {
+  *out++ = cells.Keyed() ? u'{' : u'[';
+  if (cells.Count() == 0) {
+    *out++ = cells.Keyed() ? u'}' : u']';
+    return out;
+  }
+  const bool broken = indented_ && cells.Count() > 1;
+  *open_.New() = {cells.First(), cells.First(), cells.End(), indent, cells.Keyed(), broken};
+  return out;
+}
+
+// Writes the next value of the innermost container, or its end.
+inline char16_t* Writer::WriteNext(char16_t* out) {
+  out = Room(out, 0);
+  Open& top = open_.Last();
+  if (top.next == top.end) return Close(out, top);
+  out = WriteBefore(out, top);
+  const Slot& value = *top.next++;
+  if (value.IsNested()) return OpenContainer(out, Cells(value), ChildIndent(top));
+  if (value.kind != SlotKind::kContainer) return WriteScalar(out, value);
+  return OpenContainer(out, CellsOf(value.object), ChildIndent(top));
+}
+
+inline char16_t* Writer::Close(char16_t* out, const Open& top) {
+  if (top.broken) out = BreakLine(out, top.indent);
+  *out++ = top.keyed ? u'}' : u']';
+  open_.RemoveLast();
+  return out;
+}
+
+// What stands before a value: comma, line break, key.
+inline char16_t* Writer::WriteBefore(char16_t* out, Open& top) {
+  if (top.next != top.first) *out++ = u',';
+  if (top.broken) out = BreakLine(out, ChildIndent(top));
+  if (!top.keyed) return out;
+  out = WriteText(out, top.next++->Text());
+  *out++ = u':';
+  if (indented_) *out++ = u' ';
+  return out;
+}
+
+char16_t* Writer::BreakLine(char16_t* out, std::int32_t indent) {
+  constexpr std::int32_t kPart = 1024;
+  *out++ = u'\n';
+  for (; indent > 0; indent -= kPart) {
+    const auto part = static_cast<std::size_t>(std::min(indent, kPart));
+    out = std::fill_n(Room(out, part), part, u' ');
+  }
+  return out;
+}
+
+inline char16_t* Writer::WriteText(char16_t* out, StringView text) {
+  constexpr std::size_t kShort = 256;
+  if (text.size() > kShort) return WriteLongText(out, text);
+  out = Room(out, text.size() * kUnitsOfUnit);
+  *out++ = u'"';
+  out = WriteEscaped(out, text, u'\0');
+  *out++ = u'"';
+  return out;
+}
+
+char16_t* Writer::WriteLongText(char16_t* out, StringView text) {
+  constexpr std::size_t kPart = 1024;  // units that room is made for at once
+  *out++ = u'"';
+  for (std::size_t start = 0; start < text.size(); start += kPart) {
+    const StringView part = text.substr(start, kPart);
+    out = Room(out, part.size() * kUnitsOfUnit);
+    out = WriteEscaped(out, part, start > 0 ? text[start - 1] : u'\0');
+  }
+  *out++ = u'"';
+  return out;
+}
+
+char16_t* Writer::WriteWord(char16_t* out, StringView word) {
+  return std::copy(word.begin(), word.end(), out);
+}
+
+// A value that is no container.
+char16_t* Writer::WriteScalar(char16_t* out, const Slot& value) {
   switch (value.kind) {
-    case JSONKind::kNull: return out_.Add(StringView(u"null"));
-    case JSONKind::kBoolean:
-      return out_.Add(value.boolean ? StringView(u"true") : StringView(u"false"));
-    case JSONKind::kInteger: return AppendInteger(out_, value.integer);
-    case JSONKind::kDouble: return AppendDouble(out_, value.number);
-    case JSONKind::kString: return AppendQuoted(out_, value.text);
-    case JSONKind::kOther: return AppendQuoted(out_, value.object->toString());
-    default: OpenContainer(static_cast<const TJSONContainer&>(*value.object), indent);
+    case SlotKind::kText: return WriteText(out, value.Text());
+    case SlotKind::kInteger: return WriteInteger(out, value.integer);
+    case SlotKind::kDouble: return WriteDouble(Room(out, kUnitsOfDouble), value.number);
+    case SlotKind::kDecimal: return WriteDecimal(Room(out, kUnitsOfDouble), value);
+    case SlotKind::kFalse: return WriteWord(out, u"false");
+    case SlotKind::kTrue: return WriteWord(out, u"true");
+    case SlotKind::kBoxed: return WriteBoxed(out, value);
+    default: return WriteWord(out, u"null");
   }
+}
+
+char16_t* Writer::WriteBoxed(char16_t* out, const Slot& value) {
+  const ValueView view = ViewOf(value.object);
+  if (view.kind == JSONKind::kOther) return WriteText(out, value.object->toString());
+  return WriteScalar(out, SlotOf(view));
 }
 
 }  // namespace
 
-void AppendValue(TextBuffer& out, const ValueView& value, std::optional<Indentation> indentation) {
+void AppendQuoted(String& out, StringView text) {
+  Writer(out, std::nullopt).WriteQuoted(text);
+}
+
+void AppendValue(String& out, const Slot& value, std::optional<Indentation> indentation) {
   Writer(out, indentation).Write(value);
+}
+
+AnsiString WrittenUtf8(const Slot& value) {
+  String text;
+  AppendValue(text, value);
+  AnsiString bytes(text.size(), '\0');
+  std::transform(text.begin(), text.end(), bytes.begin(),
+                 [](char16_t unit) { return static_cast<char>(unit); });
+  return bytes;
 }
 
 }  // namespace zentavo::json_internal

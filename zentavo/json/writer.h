@@ -4,9 +4,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "zentavo/json/text_buffer.h"
-#include "zentavo/json/value.h"
-#include "zentavo/json/value_view.h"
+#include "zentavo/framework/text.h"
+#include "zentavo/json/slot.h"
 
 namespace zentavo::json_internal {
 
@@ -16,12 +15,12 @@ struct Indentation {
   std::int32_t indent;
 };
 
-void AppendQuoted(TextBuffer& out, StringView text);
-void AppendInteger(TextBuffer& out, std::int32_t value);
-// "######0.000000", always six decimals.
-void AppendDouble(TextBuffer& out, double value);
+// `text` as a JSON string, appended to `out`.
+void AppendQuoted(String& out, StringView text);
 // Compact without an indentation. Takes no stack for nested containers.
-void AppendValue(TextBuffer& out, const ValueView& value,
+void AppendValue(String& out, const Slot& value,
                  std::optional<Indentation> indentation = std::nullopt);
+// The compact form.
+AnsiString WrittenUtf8(const Slot& value);
 
 }  // namespace zentavo::json_internal
