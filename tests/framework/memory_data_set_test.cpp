@@ -88,6 +88,32 @@ TEST(TMemoryDataSet, MovesAndChanges) {
   EXPECT_EQ(t.Current(), u"2");
 }
 
+// Records are kept in pieces; a walk goes over their borders, and over what changes on the way.
+TEST(TMemoryDataSet, WalksOverManyRecordsWhileTheyChange) {
+  Numbers t(5000);
+  int steps = 0;
+  for (t.data.First(); !t.data.Eof(); ++steps) {
+    ASSERT_EQ(t.data.RecNo(), steps + 1);
+    if (t.number.AsInteger() % 700 == 0) {
+      t.data.Delete();  // the following record takes its place
+      --steps;
+    } else if (t.number.AsInteger() % 900 == 0) {
+      t.data.Insert();
+      t.number.SetAsInteger(1);
+      t.data.Post();
+      t.data.Next();
+      ++steps;
+      t.data.Next();
+    } else {
+      t.data.Next();
+    }
+    if (t.data.Eof()) break;
+    ASSERT_FALSE(t.data.Bof());
+  }
+  EXPECT_EQ(t.data.RecordCount(), 5000 - 7 + 5);
+  EXPECT_EQ(t.Current(), u"5000e");
+}
+
 TEST(TMemoryDataSet, AnEmptySetHasBothEnds) {
   Numbers t(0);
   EXPECT_EQ(t.Current(), u"be");

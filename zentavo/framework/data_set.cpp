@@ -81,6 +81,7 @@ void TDataSet::Close() {
   if (!Active()) return;
   Cancel();
   CloseStore();
+  run_ = {};
   FState = TDataSetState::dsInactive;
   active_row_ = kNoSlot;
   bof_ = eof_ = true;
@@ -91,7 +92,8 @@ void TDataSet::StandOn(std::int64_t position) {
   const std::int64_t count = StoredCount();
   bof_ = eof_ = count == 0;
   position_ = std::clamp<std::int64_t>(position, 0, std::max<std::int64_t>(count - 1, 0));
-  active_row_ = count == 0 ? kNoSlot : StoredRow(position_);
+  run_ = count == 0 ? RowRun() : StoredRun(position_);
+  active_row_ = count == 0 ? kNoSlot : run_.rows[static_cast<std::size_t>(position_ - run_.first)];
 }
 
 void TDataSet::Scroll(std::int64_t position, bool bof, bool eof) {
@@ -176,6 +178,7 @@ void TDataSet::Post() {
   CheckEditing();
   Notify(FBeforePost);
   CheckRequired();
+  run_ = {};
   if (FState == TDataSetState::dsInsert) {
     StoreInserted(insert_position_, active_row_);
     position_ = insert_position_;
@@ -201,6 +204,7 @@ void TDataSet::Delete() {
   CheckNotEmpty();
   Notify(FBeforeDelete);
   Cancel();
+  run_ = {};
   StoreDeleted(position_);
   StandOn(position_);
   DataChanged();

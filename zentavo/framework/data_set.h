@@ -60,7 +60,9 @@ class ZENTAVO_API TDataSet : public TComponent {
   // and Last set them too. An empty set has both.
   void First();
   void Last();
-  void Next() { MoveBy(1); }
+  void Next() {
+    if (!StepInRun()) MoveBy(1);
+  }
   void Prior() { MoveBy(-1); }
   // Returns by how many records the cursor moved, fewer than asked for at either end.
   std::int64_t MoveBy(std::int64_t distance);
@@ -127,7 +129,8 @@ class ZENTAVO_API TDataSet : public TComponent {
   virtual void OpenStore() = 0;
   virtual void CloseStore() = 0;
   virtual std::int64_t StoredCount() const = 0;
-  virtual RowSlot StoredRow(std::int64_t position) const = 0;
+  // The row at `position` among its neighbours.
+  virtual RowRun StoredRun(std::int64_t position) const = 0;
   virtual std::uint32_t Generation(RowSlot row) const = 0;
   virtual std::optional<std::int64_t> Find(const TBookmark& bookmark) const = 0;
   virtual RowSlot NewRow(RowSlot copied) = 0;  // all null when `copied` is kNoSlot
@@ -137,6 +140,10 @@ class ZENTAVO_API TDataSet : public TComponent {
   virtual void StoreEdited(RowSlot row, RowSlot edited) = 0;
   virtual void StoreDeleted(std::int64_t position) = 0;
 
+  RowSlot StoredRow(std::int64_t position) const {
+    const RowRun run = StoredRun(position);
+    return run.rows[static_cast<std::size_t>(position - run.first)];
+  }
   TField& TakeField(std::unique_ptr<TField> field);
   void DropFields() { FFields.clear(); }
   [[noreturn]] void Raise(StringView problem) const;
@@ -160,6 +167,18 @@ class ZENTAVO_API TDataSet : public TComponent {
     if (event) event(*this);
   }
   void Scroll(std::int64_t position, bool bof, bool eof);
+  // Makes the next record current where that takes no more than looking into the run, and nobody
+  // wants to know.
+  bool StepInRun() {
+    const auto offset = static_cast<std::size_t>(position_ + 1 - run_.first);
+    const bool watched = FBeforeScroll || FAfterScroll || FOnDataChange;
+    if (FState != TDataSetState::dsBrowse || watched || offset >= run_.rows.size()) return false;
+    ++position_;
+    active_row_ = run_.rows[offset];
+    bof_ = false;
+    changed_while_disabled_ |= disabled_ > 0;
+    return true;
+  }
   void BeginInsert(std::int64_t position);
   void EndEditing();
 
@@ -173,6 +192,7 @@ class ZENTAVO_API TDataSet : public TComponent {
   std::int64_t position_ = 0;         // of the current record
   std::int64_t insert_position_ = 0;  // while inserting
   RowSlot active_row_ = kNoSlot;
+  RowRun run_;  // with the current record, as long as no record is stored or deleted; or empty
   NotifyEvent FBeforePost, FAfterPost, FBeforeEdit, FAfterEdit;
   NotifyEvent FBeforeDelete, FAfterDelete, FBeforeScroll, FAfterScroll;
   NotifyEvent FOnDataChange;

@@ -37,7 +37,7 @@ class ZENTAVO_API TMemoryDataSet : public TDataSet {
   void OpenStore() override {}
   void CloseStore() override {}
   std::int64_t StoredCount() const override { return order_.Size(); }
-  RowSlot StoredRow(std::int64_t position) const override { return order_.At(position); }
+  RowRun StoredRun(std::int64_t position) const override { return order_.RunAt(position); }
   std::uint32_t Generation(RowSlot row) const override { return generations_[row]; }
   std::optional<std::int64_t> Find(const TBookmark& bookmark) const override;
   RowSlot NewRow(RowSlot copied) override;

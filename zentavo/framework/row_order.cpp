@@ -30,6 +30,11 @@ RowSlot RowOrder::At(std::int64_t position) const {
   return chunks_[place.chunk]->slots[place.offset];
 }
 
+RowRun RowOrder::RunAt(std::int64_t position) const {
+  const Place place = Find(position);
+  return {near_first_, chunks_[place.chunk]->slots};
+}
+
 RowOrder::Place RowOrder::Find(std::int64_t position) const {
   if (near_chunk_ < chunks_.size()) {
     const std::int64_t offset = position - near_first_;

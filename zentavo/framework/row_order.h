@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "zentavo/platform/export.h"
@@ -15,6 +16,12 @@ namespace zentavo {
 
 using RowSlot = std::uint32_t;
 inline constexpr RowSlot kNoSlot = 0xFFFFFFFF;
+
+// Neighbouring rows, the first of which stands at `first`. Valid until the order changes.
+struct RowRun {
+  std::int64_t first = 0;
+  std::span<const RowSlot> rows;
+};
 
 class ZENTAVO_API RowOrder {
  public:
@@ -26,6 +33,8 @@ class ZENTAVO_API RowOrder {
   std::int64_t Size() const { return size_; }
   // The slot at `position`, 0..Size() - 1.
   RowSlot At(std::int64_t position) const;
+  // The row at `position`, 0..Size() - 1, among its neighbours.
+  RowRun RunAt(std::int64_t position) const;
   // Where `slot`, which must be in the order, stands.
   std::int64_t PositionOf(RowSlot slot) const;
   // Puts `slot` in front of what stands at `position`, 0..Size().
