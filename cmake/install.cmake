@@ -7,6 +7,12 @@ install(TARGETS zentavo EXPORT zentavo)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/zentavo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h"
         PATTERN platform/linux EXCLUDE PATTERN platform/windows EXCLUDE)
+if(TARGET zentavo_sql)
+  install(TARGETS zentavo_sql EXPORT zentavo)
+  install(FILES ${PROJECT_SOURCE_DIR}/adapters/sql/connection.h
+                ${PROJECT_SOURCE_DIR}/adapters/sql/sql_data_set.h
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/adapters/sql)
+endif()
 install(EXPORT zentavo NAMESPACE zentavo:: FILE zentavo-targets.cmake
         DESTINATION ${package_folder})
 if(zentavo_runtime_libraries)
