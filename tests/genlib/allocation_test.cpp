@@ -29,6 +29,8 @@ TEST(ZentavoEpimerismos, AllocatesOverArrays) {
       {{1, 1}, {10, 20}, 100, 2, {60, 70}},
       // Goes out as 0.06 and 0.07; the rest, -0.005, rounds to -0.01 on the larger.
       {{1, 1}, {0, 0}, 0.125, 2, {0.06, 0.06}},
+      // What was there before counts when the larger is chosen.
+      {{1, 1}, {5, 0}, 0.125, 2, {5.05, 0.07}},
       {{1, 1}, {0, 0}, 125, -1, {60, 60}},
       {{1, 1, 1}, {0, 0, 0}, -100, 2, {-33.33, -33.34, -33.33}},
   };
@@ -39,17 +41,6 @@ TEST(ZentavoEpimerismos, AllocatesOverArrays) {
       EXPECT_DOUBLE_EQ(shares[i], row.after[i]) << row.amount << " " << i;
     }
   }
-}
-
-TEST(ZentavoEpimerismos, PutsTheRestOnTheLargestOfAllThatIsThere) {
-  // 10.4 to no decimals: 5 and 5 go out, 0.4 is left and rounds to nothing.
-  Numbers shares = {0, 100};
-  ZentavoEpimerismos(Numbers{1, 1}, shares, 10.4, 0);
-  EXPECT_EQ(shares, (Numbers{5, 105}));
-  // 10.6: 5 and 6 make 11; the rest -0.4 rounds to nothing too.
-  shares = {0, 0};
-  ZentavoEpimerismos(Numbers{1, 1}, shares, 10.6, 0);
-  EXPECT_EQ(shares, (Numbers{5, 6}));
 }
 
 TEST(ZentavoEpimerismos, AddsUpToTheAmount) {
@@ -127,12 +118,6 @@ TEST(ZentavoEpimerismos, AddsTheRestOfDataSetsUnrounded) {
   EXPECT_DOUBLE_EQ(shares[0], 0.06);
   EXPECT_DOUBLE_EQ(shares[1], 0.065);
   EXPECT_EQ(shares[2], 0);
-}
-
-TEST(ZentavoEpimerismos, LeavesDataSetsAloneWithoutWeights) {
-  Lines lines({1, -1}, {3, 4});
-  ZentavoEpimerismos(lines.data, lines.weight, lines.data, lines.share, 100, 2);
-  EXPECT_EQ(lines.Shares(), (Numbers{3, 4}));
 }
 
 TEST(LargestShare, ComparesWithTheSignedValue) {
