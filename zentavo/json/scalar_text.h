@@ -12,9 +12,9 @@ namespace zentavo::json_internal {
 inline constexpr std::size_t kUnitsOfUnit = 6;      // that one unit of a text becomes at most
 inline constexpr std::size_t kUnitsOfInteger = 11;  // at most
 inline constexpr std::size_t kUnitsOfDouble = 320;  // at most
-inline constexpr std::size_t kUnitsBeyond = 8;      // that may be written behind the end
 
-// Each writes from `out` on, where there must be room, and returns the end.
+// Each writes from `out` on, where there must be room for the most it may write and eight units
+// more, and returns the end.
 
 // A part of a quoted text; `before` is the unit before it.
 char16_t* WriteEscaped(char16_t* out, StringView part, char16_t before);
