@@ -21,6 +21,9 @@
 
 namespace zentavo {
 
+// Raises the EZentavoExtError of a failed exchange.
+[[noreturn]] ZENTAVO_API void RaiseHttpError(std::uint32_t code);
+
 class ZENTAVO_API THTTPConnection : public TObject {
  public:
   // On the process's shared session (agent "Zentavo", gzip and deflate decoded) unless
@@ -60,7 +63,8 @@ class ZENTAVO_API THTTPConnection : public TObject {
   bool Request(StringView path, TStream* input, TStream* output, StringView extraheaders,
                String& outheaders, StringView AVerb = {}, TStream* Stream = nullptr);
 
-  // `bytes` of `data` are the body, which must stay until the answer is received. Raise on failure.
+  // `bytes` of `data` are the body; they must stay until the answer is received. `extraheaders` are
+  // lines, each but the last ended by CR LF. These raise when the exchange fails.
   void SendRequest(HttpExchange& Request, StringView extraheaders, const void* data,
                    std::size_t bytes);
   // The same with all of `body`, streamed.
@@ -68,7 +72,12 @@ class ZENTAVO_API THTTPConnection : public TObject {
   // With `Stream`, reads the body into it too.
   void ReceiveResponse(HttpExchange& Request, TStream* Stream = nullptr);
   // Writes the body to `Stream` in pieces of at most 16384 bytes, then sets its position to 0.
+  // Error 12184 when a body that came compressed grows beyond MaxDecodedSize. `Stream` must not use
+  // the connection.
   void ReadResponseStream(HttpExchange& Request, TStream& Stream);
+  // The body as text, by the character set that the answer names: utf-7, utf-16 (little end first),
+  // a windows- code page that is known, else UTF-8. Error 12184 beyond MaxTextSize.
+  String ReadResponseString(HttpExchange& Request);
   // Closes the handle; does nothing with a null one.
   static void CloseHandle(THTTPHandle& AHandle);
 
@@ -84,6 +93,12 @@ class ZENTAVO_API THTTPConnection : public TObject {
   bool ReceiveSocketBytes(void* buffer, std::size_t size);
   void CloseWebSocket();
 
+  // Bytes. Initially 64 MiB and 1 GiB.
+  std::int64_t MaxTextSize() const { return FMaxTextSize; }
+  void SetMaxTextSize(std::int64_t size) { FMaxTextSize = size; }
+  std::int64_t MaxDecodedSize() const { return FMaxDecodedSize; }
+  void SetMaxDecodedSize(std::int64_t size) { FMaxDecodedSize = size; }
+
   std::uint32_t LastError() const { return FLastError; }    // the last system error code
   std::uint32_t LastStatus() const { return FLastStatus; }  // the last HTTP status code
 
@@ -93,11 +108,13 @@ class ZENTAVO_API THTTPConnection : public TObject {
   virtual void CallBack(std::uint32_t Status, const void* Info, std::uint32_t InfoLength);
 
  private:
-  // Records `error`; raises unless it is 0.
+  // Records `error` and raises it unless it is 0.
   void Check(platform::SystemError error);
+  void Send(HttpExchange& Request, StringView extraheaders,
+            std::unique_ptr<platform::HttpBody> body);
 
   std::shared_ptr<platform::HttpSession> FSession;
-  std::unique_ptr<platform::HttpConnection> FConnection;
+  std::shared_ptr<platform::HttpConnection> FConnection;
   bool FIsSessionOwned;
   std::uint32_t FLastError = 0;
   std::uint32_t FLastStatus = 0;
@@ -105,6 +122,8 @@ class ZENTAVO_API THTTPConnection : public TObject {
   String FServerName;
   std::unique_ptr<platform::WebSocket> FWebSocket;
   std::uint16_t FPort = 0;  // of FConnection
+  std::int64_t FMaxTextSize = std::int64_t{64} << 20;
+  std::int64_t FMaxDecodedSize = std::int64_t{1} << 30;
 };
 
 // A connection on the shared session to the server of `Url`; `path` is what to ask it for. Raises

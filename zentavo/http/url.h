@@ -4,8 +4,8 @@
 //   // Scheme "https", Host "example.org", Port 8443, Path "/orders?id=7"
 //
 // An address is scheme "://" [user [":" password] "@"] host [":" port] [path] ["?" query]
-// ["#" fragment]. The host is a name, an IPv4 address, or an IPv6 address in brackets. Characters
-// beyond ASCII in the path and the query are written as the percent form of their UTF-8 bytes.
+// ["#" fragment]. The host is a name, an IPv4 address, or an IPv6 address in brackets; a name may
+// have letters of any script. Path and query get the form that a request needs, see RequestPath.
 //
 // All functions may be called from any thread.
 #pragma once
@@ -26,8 +26,9 @@ struct TUrlParts {
   bool operator==(const TUrlParts&) const = default;
 };
 
-// Returns nothing for what is no address of a scheme http, https, ws or wss: blanks and control
-// characters anywhere, an empty host, a port outside 1..65535. User and password are skipped.
+// Returns nothing for what is no address of a scheme http, https, ws or wss, so also for an empty
+// host, a port outside 1..65535, a blank before the path, a control character. User and password
+// are skipped. A backslash behind the host begins the path and is part of it.
 ZENTAVO_API std::optional<TUrlParts> TrySplitUrl(StringView Url);
 // Raises EZentavoError "Error in URL: " and the address.
 ZENTAVO_API TUrlParts SplitUrl(StringView Url);
@@ -35,5 +36,13 @@ ZENTAVO_API TUrlParts SplitUrl(StringView Url);
 // The address that `Reference`, absolute or relative, leads to from `Base`; nothing when it is
 // none.
 ZENTAVO_API std::optional<TUrlParts> ResolveUrl(const TUrlParts& Base, StringView Reference);
+
+// Whether `Host` can stand in an address; an IPv6 address without its brackets.
+ZENTAVO_API bool IsHostName(StringView Host);
+
+// `Path` as a request line carries it: with '/' in front, without a fragment, blanks, "<>\^`{|}
+// and what is beyond ASCII as the percent form of the UTF-8 bytes. What is in percent form stays.
+// Nothing when it has a control character.
+ZENTAVO_API std::optional<String> RequestPath(StringView Path);
 
 }  // namespace zentavo
