@@ -138,6 +138,9 @@ std::optional<TUrlParts> TrySplitUrl(StringView Url) {
   if (scheme == nullptr || !rest.starts_with(u"://")) return std::nullopt;
   rest.remove_prefix(3);
   StringView authority = TakeUntil(rest, u"/?#\\");
+  if (std::any_of(authority.begin(), authority.end(), [](char16_t u) { return u <= 0x20; })) {
+    return std::nullopt;
+  }
   authority.remove_prefix(authority.rfind(u'@') + 1);  // npos + 1 is 0
   std::optional<String> host = TakeHost(authority);
   const std::optional<std::uint16_t> port = PortOf(authority, scheme->port);

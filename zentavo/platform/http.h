@@ -138,7 +138,8 @@ class ZENTAVO_API HttpRequest {
   HttpRequest& operator=(const HttpRequest&) = delete;
   ~HttpRequest();
 
-  // Proceeds without a certificate where the server asks for one.
+  // Proceeds without a certificate where the server asks for one, in a repetition of what failed
+  // with 12044; that error where the first attempt has already done so.
   SystemError IgnoreClientCertificate();
 
   // Makes the exchange the opening handshake of a WebSocket; before Send.
@@ -149,7 +150,7 @@ class ZENTAVO_API HttpRequest {
   SystemError Send(std::u16string_view headers, HttpBody* body);
   // Waits for the headers of the answer.
   SystemError Receive();
-  // The status line and the header lines of the answer, each ended by CR LF.
+  // The status line, the header lines and the empty line of the answer, each ended by CR LF.
   std::u16string RawHeaders() const;
   // Hands the whole body to `sink`.
   SystemError ReadBody(const BodySink& sink);

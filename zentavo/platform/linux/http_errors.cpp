@@ -1,8 +1,11 @@
 #include "zentavo/platform/linux/http_errors.h"
+#include <cstdio>
+#include <cstdlib>
 
 namespace zentavo::platform {
 
 SystemError HttpErrorOf(CURLcode result, std::string_view text) {
+  if (getenv("HTTPDEBUG")) fprintf(stderr, "curl %d %s\n", result, text.data());
   // The alert that a server sends which insists on a client certificate.
   if (result != CURLE_OK && text.find("certificate required") != text.npos) {
     return kHttpClientCertificateNeeded;
@@ -31,7 +34,7 @@ SystemError HttpErrorOf(CURLcode result, std::string_view text) {
     case CURLE_BAD_CONTENT_ENCODING:
     case CURLE_HTTP2: return kHttpInvalidResponse;
     case CURLE_RECV_ERROR:
-      return text.find("Chunked") != text.npos ? kHttpInvalidResponse : kHttpConnectionError;
+      return text.find("chunked") != text.npos ? kHttpInvalidResponse : kHttpConnectionError;
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
     case CURLE_SEND_ERROR:

@@ -367,7 +367,7 @@ std::unique_ptr<HttpRequest> HttpRequest::Open(const HttpConnection& connection,
 }
 
 SystemError HttpRequest::IgnoreClientCertificate() {
-  return 0;  // none is ever sent
+  return kHttpClientCertificateNeeded;  // none was sent: the same again would change nothing
 }
 
 SystemError HttpRequest::AskForWebSocket() {
@@ -384,7 +384,7 @@ SystemError HttpRequest::Receive() {
 }
 
 std::u16string HttpRequest::RawHeaders() const {
-  return PathFromBytes(state_->raw_headers);
+  return state_->headers_done ? PathFromBytes(state_->raw_headers + "\r\n") : std::u16string();
 }
 
 SystemError HttpRequest::ReadBody(const BodySink& sink) {

@@ -5,12 +5,16 @@
 
 namespace zentavo::platform {
 
-IdleClients::IdleClients() {
-  curl_global_init(CURL_GLOBAL_DEFAULT);
-}
-
 IdleClients& IdleClients::Instance() {
-  static IdleClients clients;
+  struct Closer {
+    IdleClients& clients;
+    ~Closer() { clients.Close(); }
+  };
+  // Never destroyed: sessions may end behind the destructors.
+  static IdleClients& clients = *new IdleClients;
+  static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+  static const Closer closer{clients};
+  static_cast<void>(initialised);
   return clients;
 }
 
@@ -32,6 +36,10 @@ CurlMulti IdleClients::Take(const void* session, const std::string& origin) {
 void IdleClients::Give(const void* session, const std::string& origin, CurlMulti client) {
   CurlMulti closed;  // behind the lock
   const std::lock_guard lock(mutex_);
+  if (closed_) {
+    closed = std::move(client);
+    return;
+  }
   if (idle_.size() == kMost) {
     closed = std::move(idle_.front().client);
     idle_.erase(idle_.begin());
@@ -46,6 +54,13 @@ void IdleClients::Drop(const void* session) {
       idle_.begin(), idle_.end(), [&](const Idle& idle) { return idle.session != session; });
   std::move(dropped, idle_.end(), std::back_inserter(closed));
   idle_.erase(dropped, idle_.end());
+}
+
+void IdleClients::Close() {
+  std::vector<Idle> closed;  // behind the lock
+  const std::lock_guard lock(mutex_);
+  closed.swap(idle_);
+  closed_ = true;
 }
 
 }  // namespace zentavo::platform

@@ -13,13 +13,13 @@ namespace zentavo::platform {
 // A client holds its connections; a new one holds none. May be used from any thread.
 class IdleClients {
  public:
-  // The process's own. The first call initialises libcurl, so that at exit these close before the
-  // libraries below it end.
+  // The process's own. The first call initialises libcurl; at exit the connections close before the
+  // libraries below it end, and none is kept any more.
   static IdleClients& Instance();
 
   // An idle client of `session` for the server `origin`, or a new one.
   CurlMulti Take(const void* session, const std::string& origin);
-  // Keeps `client` for Take; closes the one that is idle longest when they are too many.
+  // Keeps `client` for Take; the one that is idle longest is closed when they are too many.
   void Give(const void* session, const std::string& origin, CurlMulti client);
   // Closes those of `session`.
   void Drop(const void* session);
@@ -32,10 +32,12 @@ class IdleClients {
     CurlMulti client;
   };
 
-  IdleClients();
+  IdleClients() = default;
+  void Close();
 
-  std::mutex mutex_;        // guards `idle_`
+  std::mutex mutex_;        // guards what follows
   std::vector<Idle> idle_;  // longest idle first
+  bool closed_ = false;
 };
 
 }  // namespace zentavo::platform
