@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,6 +39,10 @@ inline constexpr bool kOnWindows = true;
 inline void EndSystemSocket(SystemSocket socket) {
   closesocket(socket);
 }
+// Null takes the variable of the environment away.
+inline void SetVariable(const char* name, const char* value) {
+  SetEnvironmentVariableA(name, value);
+}
 inline void StartSockets() {
   static const int started = [] {
     WSADATA data;
@@ -58,6 +63,13 @@ inline constexpr bool kEndingCloses = false;
 inline constexpr bool kOnWindows = false;
 inline void EndSystemSocket(SystemSocket socket) {
   shutdown(socket, SHUT_RDWR);
+}
+inline void SetVariable(const char* name, const char* value) {
+  if (value != nullptr) {
+    setenv(name, value, 1);
+  } else {
+    unsetenv(name);
+  }
 }
 inline void StartSockets() {}
 #endif

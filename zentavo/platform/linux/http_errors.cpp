@@ -1,11 +1,8 @@
 #include "zentavo/platform/linux/http_errors.h"
-#include <cstdio>
-#include <cstdlib>
 
 namespace zentavo::platform {
 
 SystemError HttpErrorOf(CURLcode result, std::string_view text) {
-  if (getenv("HTTPDEBUG")) fprintf(stderr, "curl %d %s\n", result, text.data());
   // The alert that a server sends which insists on a client certificate.
   if (result != CURLE_OK && text.find("certificate required") != text.npos) {
     return kHttpClientCertificateNeeded;

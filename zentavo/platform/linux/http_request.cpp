@@ -109,7 +109,7 @@ HttpRequest::State::State(std::shared_ptr<HttpConnection::State> of_connection, 
 
 HttpRequest::State::~State() {
   if (added_) curl_multi_remove_handle(connection->multi.get(), easy_.get());
-  if (easy_ && !connection->spare) connection->spare = std::move(easy_);
+  if (easy_ && !connection->spare && !NewlyConnected()) connection->spare = std::move(easy_);
 }
 
 SystemError HttpRequest::State::Start(std::u16string_view lines, HttpBody* of_body) {
@@ -181,6 +181,14 @@ bool HttpRequest::State::WaitFor(int milliseconds) {
   int sockets = 0;
   curl_multi_poll(connection->multi.get(), nullptr, 0, milliseconds, &sockets);
   return sockets != 0;
+}
+
+// libcurl gives up after several retries on connections that the server had closed, and counts
+// those of all exchanges of a handle: one that had to connect is not used again.
+bool HttpRequest::State::NewlyConnected() const {
+  long connects = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &connects);
+  return connects != 0;
 }
 
 bool HttpRequest::State::Connected() const {

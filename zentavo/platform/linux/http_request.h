@@ -55,6 +55,7 @@ struct HttpRequest::State {
   std::size_t TakeBody(std::span<const std::byte> piece);
   std::size_t FillBody(std::span<std::byte> buffer);
   SystemError TakeWaiting(const BodySink& into);
+  bool NewlyConnected() const;
   bool Connected() const;
   bool Sent() const;
   void Fail(SystemError error);

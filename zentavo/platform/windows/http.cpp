@@ -1,6 +1,7 @@
 #include "zentavo/platform/http.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <vector>
 
 #include "zentavo/platform/windows/http_state.h"
@@ -34,6 +35,7 @@ SystemError Uniform(SystemError error) {
     case WSAENOTCONN:
     case WSAESHUTDOWN: return kHttpConnectionError;
     case WSAETIMEDOUT: return kHttpTimeout;
+    case ERROR_INSUFFICIENT_BUFFER: return kHttpInvalidResponse;  // of a chunk without a size
     default: return error;
   }
 }
@@ -81,9 +83,8 @@ std::shared_ptr<HttpSession> HttpSession::Open(const HttpSessionOptions& options
   error = RequireTls12(state->handle.get());
   if (error != 0) return nullptr;
   // A system without the option asks for no compression, so there is nothing to decode.
-  if (options.decode) {
-    SetNumber(state->handle.get(), kOptionDecompression, kDecompressGzipAndDeflate);
-  }
+  state->decodes = options.decode && SetNumber(state->handle.get(), kOptionDecompression,
+                                               kDecompressGzipAndDeflate) == 0;
   std::shared_ptr<HttpSession> session(new HttpSession(std::move(state)));
   error = session->SetTimeouts(options.timeouts);
   return error == 0 ? session : nullptr;
@@ -185,7 +186,8 @@ SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
 }
 
 SystemError HttpRequest::Receive() {
-  return HttpErrorOf(WinHttpReceiveResponse(state_->handle.get(), nullptr));
+  if (!WinHttpReceiveResponse(state_->handle.get(), nullptr)) return Uniform(GetLastError());
+  return RawHeaders().starts_with(u"HTTP/") ? 0 : kHttpInvalidResponse;
 }
 
 std::u16string HttpRequest::RawHeaders() const {
@@ -205,16 +207,29 @@ std::u16string HttpRequest::RawHeaders() const {
 SystemError HttpRequest::ReadBody(const BodySink& sink) {
   const HINTERNET handle = state_->handle.get();
   std::vector<std::byte> buffer(kPiece);
-  for (;;) {
+  for (std::uint64_t received = 0;;) {
     DWORD available = 0;
-    if (!WinHttpQueryDataAvailable(handle, &available)) return Uniform(GetLastError());
-    if (available == 0) return 0;
     DWORD count = 0;
+    if (!WinHttpQueryDataAvailable(handle, &available)) return Uniform(GetLastError());
     const DWORD wanted = std::min<DWORD>(available, static_cast<DWORD>(buffer.size()));
-    if (!WinHttpReadData(handle, buffer.data(), wanted, &count)) return Uniform(GetLastError());
-    if (count == 0) return 0;
+    if (wanted != 0 && !WinHttpReadData(handle, buffer.data(), wanted, &count)) {
+      return Uniform(GetLastError());
+    }
+    if (count == 0) return received < state_->ExpectedSize() ? kHttpConnectionError : 0;
     if (const SystemError error = sink(std::span(buffer).first(count))) return error;
+    received += count;
   }
+}
+
+// A decoded body has another size than its header says, and the service itself minds its end.
+std::uint64_t HttpRequest::State::ExpectedSize() const {
+  if (connection->session->decodes || verb == u"HEAD") return 0;
+  wchar_t text[32];
+  DWORD bytes = sizeof text;
+  return WinHttpQueryHeaders(handle.get(), WINHTTP_QUERY_CONTENT_LENGTH, nullptr, text, &bytes,
+                             nullptr)
+             ? std::wcstoull(text, nullptr, 10)
+             : 0;
 }
 
 }  // namespace zentavo::platform

@@ -35,7 +35,7 @@ class InternetHandle {
 
 struct HttpSession::State {
   InternetHandle handle;
-  bool decode = false;
+  bool decodes = false;  // the system takes compressed bodies apart
 };
 
 struct HttpConnection::State {
@@ -46,6 +46,9 @@ struct HttpConnection::State {
 };
 
 struct HttpRequest::State {
+  // The bytes of the body that must arrive.
+  std::uint64_t ExpectedSize() const;
+
   std::shared_ptr<HttpConnection::State> connection;
   InternetHandle handle;
   std::u16string verb;
