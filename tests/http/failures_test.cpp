@@ -158,8 +158,7 @@ TEST(HttpFailure, OfACutAtEachByte) {
       });
       const std::string outcome = Get(server.Url(), 3000);
       const bool good = outcome == "body" || outcome == Error(12030) || outcome == Error(12152);
-      EXPECT_TRUE(good || kOnWindows)
-          << size << (reset ? " reset: " : " end: ") << outcome;
+      EXPECT_TRUE(good || kOnWindows) << size << (reset ? " reset: " : " end: ") << outcome;
       EXPECT_TRUE(outcome != "body" || size >= whole.size() - 4 || kOnWindows) << size;
     }
   }

@@ -40,7 +40,6 @@ CurlEasy NewEasy(const HttpConnection::State& connection) {
   set(CURLOPT_QUICK_EXIT, 1L);  // a slow name server does not hold up a time-out
   set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
   set(CURLOPT_SHARE, session.cookies.get());
-  set(CURLOPT_COOKIEFILE, "");
   if (!session.user_agent.empty()) set(CURLOPT_USERAGENT, session.user_agent.c_str());
   if (session.decode) set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
   const CertificateStore store = TrustedCertificates();
@@ -73,14 +72,29 @@ CurlList HeaderList(std::string_view lines) {
   CurlList list;
   while (!lines.empty()) {
     const std::size_t end = lines.find("\r\n");
-    if (!Append(list, ListForm(lines.substr(0, end)))) return nullptr;
+    if (!Append(list, ListForm(lines.substr(0, end)))) break;
     lines.remove_prefix(end == lines.npos ? lines.size() : end + 2);
   }
-  // What libcurl would add by itself.
-  for (const char* taken_away : {"Accept:", "Expect:", "Content-Type:"}) {
-    if (!Append(list, taken_away)) return nullptr;
-  }
   return list;
+}
+
+// Takes away what libcurl would add by itself.
+bool AppendRefusals(CurlList& list, bool with_body) {
+  return Append(list, "Accept:") &&
+         (!with_body || (Append(list, "Expect:") && Append(list, "Content-Type:")));
+}
+
+bool IsAscii(std::u16string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+}
+
+// PathBytes, and the way back, quickly for what requests are made of.
+std::string BytesOf(std::u16string_view text) {
+  return IsAscii(text) ? std::string(text.begin(), text.end()) : PathBytes(text);
+}
+std::u16string TextOf(std::string_view bytes) {
+  const bool ascii = std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= 0; });
+  return ascii ? std::u16string(bytes.begin(), bytes.end()) : PathFromBytes(bytes);
 }
 
 std::string_view WithoutBreak(std::string_view line) {
@@ -112,14 +126,26 @@ HttpRequest::State::~State() {
   if (easy_ && !connection->spare && !NewlyConnected()) connection->spare = std::move(easy_);
 }
 
+CurlEasy HttpRequest::State::NewHandle() const {
+  CurlEasy easy = NewEasy(*connection);
+  curl_easy_setopt(easy.get(), CURLOPT_HEADERFUNCTION, OnHeader);
+  curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, OnBody);
+  curl_easy_setopt(easy.get(), CURLOPT_READFUNCTION, OnRead);
+  curl_easy_setopt(easy.get(), CURLOPT_SEEKFUNCTION, OnSeek);
+  return easy;
+}
+
 SystemError HttpRequest::State::Start(std::u16string_view lines, HttpBody* of_body) {
   if (easy_) return kHttpInternalError;  // sent already
-  easy_ = connection->spare ? std::move(connection->spare) : NewEasy(*connection);
-  headers_ = HeaderList(PathBytes(lines));
-  if (!easy_ || !headers_) return kHttpInternalError;
+  easy_ = connection->spare ? std::move(connection->spare) : NewHandle();
+  if (!easy_) return kHttpInternalError;
   body_ = of_body;
+  body_size_ = body_ != nullptr ? body_->Size() : 0;
+  const bool with_body = body_size_ != 0 || verb == "POST" || verb == "PUT";
+  headers_ = HeaderList(BytesOf(lines));
+  if (!AppendRefusals(headers_, with_body)) return kHttpInternalError;
   SetUp();
-  SetBody();
+  SetMethod(with_body);
   added_ = curl_multi_add_handle(connection->multi.get(), easy_.get()) == CURLM_OK;
   return added_ && Perform() ? 0 : kHttpInternalError;
 }
@@ -131,23 +157,17 @@ void HttpRequest::State::SetUp() {
   set(CURLOPT_CONNECTTIMEOUT_MS, Endless(timeouts.connect_ms));
   set(CURLOPT_ERRORBUFFER, error_text_.data());
   set(CURLOPT_PRIVATE, this);
-  set(CURLOPT_HEADERFUNCTION, OnHeader);
   set(CURLOPT_HEADERDATA, this);
-  set(CURLOPT_WRITEFUNCTION, OnBody);
   set(CURLOPT_WRITEDATA, this);
-  set(CURLOPT_READFUNCTION, OnRead);
   set(CURLOPT_READDATA, this);
-  set(CURLOPT_SEEKFUNCTION, OnSeek);
   set(CURLOPT_SEEKDATA, this);
 }
 
 // Each request sets the method anew, whatever the spare handle did before.
-void HttpRequest::State::SetBody() {
+void HttpRequest::State::SetMethod(bool with_body) {
   const auto set = [&](auto option, auto value) { curl_easy_setopt(easy_.get(), option, value); };
-  body_size_ = body_ != nullptr ? body_->Size() : 0;
-  const bool sends = body_size_ != 0 || verb == "POST" || verb == "PUT";
   set(CURLOPT_NOBODY, 0L);
-  if (sends) {
+  if (with_body) {
     set(CURLOPT_POST, 1L);
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body_size_));
   } else if (verb == "HEAD") {
@@ -254,6 +274,7 @@ bool HttpRequest::State::TakeHeader(std::string_view line) {
   if (text.empty()) {
     headers_done = IsFinal(raw_headers);
     block_done_ = true;
+    raw_headers.append("\r\n");
     return true;
   }
   if (std::exchange(block_done_, false)) raw_headers.clear();
@@ -370,8 +391,8 @@ std::unique_ptr<HttpRequest> HttpRequest::Open(const HttpConnection& connection,
                                                std::u16string_view path, std::u16string_view verb,
                                                SystemError& error) {
   error = 0;
-  return std::unique_ptr<HttpRequest>(new HttpRequest(
-      std::make_unique<State>(connection.Native(), PathBytes(path), PathBytes(verb))));
+  return std::unique_ptr<HttpRequest>(
+      new HttpRequest(std::make_unique<State>(connection.Native(), BytesOf(path), BytesOf(verb))));
 }
 
 SystemError HttpRequest::IgnoreClientCertificate() {
@@ -392,7 +413,7 @@ SystemError HttpRequest::Receive() {
 }
 
 std::u16string HttpRequest::RawHeaders() const {
-  return state_->headers_done ? PathFromBytes(state_->raw_headers + "\r\n") : std::u16string();
+  return TextOf(state_->raw_headers);
 }
 
 SystemError HttpRequest::ReadBody(const BodySink& sink) {

@@ -32,7 +32,7 @@ struct HttpRequest::State {
   const HttpTimeouts timeouts;
   bool web_socket = false;  // the handshake is not made by this exchange
 
-  std::string raw_headers;  // lines ended by CR LF, without the empty one
+  std::string raw_headers;  // lines ended by CR LF
   bool headers_done = false;
 
  private:
@@ -43,9 +43,10 @@ struct HttpRequest::State {
   static std::size_t OnRead(char* bytes, std::size_t size, std::size_t count, void* request);
   static int OnSeek(void* request, curl_off_t offset, int origin);
 
+  CurlEasy NewHandle() const;
   SystemError Start(std::u16string_view lines, HttpBody* of_body);
   void SetUp();
-  void SetBody();
+  void SetMethod(bool with_body);
   // Drives until `ready` or the end of the exchange; returns its error.
   template <typename Ready>
   SystemError DriveUntil(Waiting waiting, Ready ready);
