@@ -93,6 +93,8 @@ class ZENTAVO_API THTTPConnection : public TObject {
   bool ReceiveSocketBytes(void* buffer, std::size_t size);
   void CloseWebSocket();
 
+  bool IsSessionOwned() const { return FIsSessionOwned; }
+
   // Bytes. Initially 64 MiB and 1 GiB.
   std::int64_t MaxTextSize() const { return FMaxTextSize; }
   void SetMaxTextSize(std::int64_t size) { FMaxTextSize = size; }

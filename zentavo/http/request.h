@@ -45,6 +45,7 @@ class ZENTAVO_API THTTPRequest : public TObject {
   std::uint32_t GetHTTPStatusCode() const;  // 0 before an answer
 
   THTTPConnection& Connection() { return FConnection; }
+  bool ConnectionOwned() const { return FConnectionOwned; }  // by the request
 
   static String DoExecute(StringView url, StringView instr);
   static String DoExecuteWithHeaders(StringView url, StringView instr, StringView headers,

@@ -40,6 +40,7 @@ CurlEasy NewEasy(const HttpConnection::State& connection) {
   set(CURLOPT_QUICK_EXIT, 1L);  // a slow name server does not hold up a time-out
   set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
   set(CURLOPT_SHARE, session.cookies.get());
+  set(CURLOPT_COOKIEFILE, "");
   if (!session.user_agent.empty()) set(CURLOPT_USERAGENT, session.user_agent.c_str());
   if (session.decode) set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
   const CertificateStore store = TrustedCertificates();
