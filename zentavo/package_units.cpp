@@ -5,6 +5,7 @@
 #include "zentavo/foundation/errors.h"
 #include "zentavo/foundation/helper_unit.h"
 #include "zentavo/foundation/package.h"
+#include "zentavo/http/session.h"
 #include "zentavo/threads_memory/timer.h"
 
 namespace zentavo {
@@ -31,6 +32,7 @@ constinit PackageUnit units[] = {
     {"FGeneticAlgorithm", nullptr, nullptr},
     {"ScoringAlgorithm", nullptr, nullptr},
     {"XTimers", nullptr, FinalizeTimers},
+    {"XWinHTTP", nullptr, FinalizeHttp},
 };
 
 }  // namespace

@@ -66,6 +66,7 @@ void AddAmountCommand(CLI::App& program);
 void AddDataCommand(CLI::App& program);  // where the data sets over databases are built
 void AddExprCommand(CLI::App& program);
 void AddFormulaCommand(CLI::App& program);
+void AddHttpCommand(CLI::App& program);
 void AddIniCommand(CLI::App& program);
 void AddMatchCommand(CLI::App& program);
 void AddOptimiseCommand(CLI::App& program);

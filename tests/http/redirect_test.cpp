@@ -1,0 +1,143 @@
+#include <gmock/gmock.h>
+
+#include "tests/support/http_server.h"
+#include "tests/support/tls_front.h"
+#include "zentavo/foundation/errors.h"
+#include "zentavo/http/connection.h"
+
+namespace zentavo {
+namespace {
+
+using namespace testing;  // the servers
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+std::string Redirect(std::string_view status, std::u16string_view location) {
+  return Response("moved", "Location: " + ToUtf8(location) + "\r\n", status);
+}
+
+// Answers /start with a redirect, all else with "end".
+HttpServer::Script RedirectingTo(std::string status, std::u16string location) {
+  return Answering([=](const ReceivedRequest& request) {
+    const bool start = request.line.find(" /start ") != std::string::npos;
+    return start ? Redirect(status, location) : Response("end");
+  });
+}
+
+struct Outcome {
+  bool success;
+  std::uint32_t status;
+  std::string body;
+};
+
+Outcome Ask(StringView url, StringView verb, std::string_view body = {}, StringView headers = {}) {
+  String path;
+  const auto connection = CreateConnectionFromUrl(url, path);
+  TMemoryStream input;
+  TMemoryStream output;
+  input.WriteBuffer(body.data(), std::ssize(body));
+  String ignored;
+  const bool success = connection->Request(path, &input, &output, headers, ignored, verb);
+  const auto bytes = output.Bytes();
+  return {success,
+          connection->LastStatus(),
+          {reinterpret_cast<const char*>(bytes.data()), bytes.size()}};
+}
+
+TEST(HttpRedirect, KeepsOrChangesVerbAndBody) {
+  struct Row {
+    const char* status;
+    const char16_t* verb;
+    const char* line;
+    const char* body;
+  };
+  const Row rows[] = {
+      {"301 Moved", u"GET", "GET /end HTTP/1.1", ""},
+      {"302 Found", u"POST", "GET /end HTTP/1.1", ""},
+      {"301 Moved", u"POST", "GET /end HTTP/1.1", ""},
+      {"302 Found", u"PUT", "PUT /end HTTP/1.1", "data"},
+      {"303 See Other", u"PUT", "GET /end HTTP/1.1", ""},
+      {"307 Temporary", u"POST", "POST /end HTTP/1.1", "data"},
+      {"308 Permanent", u"PUT", "PUT /end HTTP/1.1", "data"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.status) + " " + ToUtf8(row.verb));
+    HttpServer server(RedirectingTo(row.status, u"end"));
+    const bool get = StringView(row.verb) == u"GET";
+    const Outcome outcome = Ask(server.Url(u"/start"), row.verb, get ? "" : "data",
+                                u"Content-Type: text/x\r\nX-Kept: 1");
+    EXPECT_EQ(outcome.body, "end");
+    ASSERT_EQ(server.Requests().size(), 2u);
+    const ReceivedRequest second = server.Requests()[1];
+    EXPECT_EQ(second.line, row.line);
+    EXPECT_EQ(second.body, row.body);
+    EXPECT_EQ(second.Header("X-Kept"), "1");
+    EXPECT_EQ(second.Header("Content-Type").empty(), second.body.empty() && !get);
+  }
+}
+
+TEST(HttpRedirect, SecretsStayWithTheServer) {
+  HttpServer other(Always(Response("end")));
+  HttpServer first(RedirectingTo("302 Found", other.Url(u"/end")));
+  const StringView headers =
+      u"Authorization: secret\r\nCookie: secret\r\nproxy-authorization: secret\r\nX-Kept: 1";
+  EXPECT_EQ(Ask(first.Url(u"/start"), u"GET", {}, headers).body, "end");
+  EXPECT_EQ(first.Requests().front().Header("Authorization"), "secret");
+  const ReceivedRequest second = other.Requests().front();
+  EXPECT_THAT(second.headers, Not(HasSubstr("secret")));
+  EXPECT_EQ(second.Header("X-Kept"), "1");
+
+  HttpServer same(RedirectingTo("302 Found", u"/end"));
+  Ask(same.Url(u"/start"), u"GET", {}, headers);
+  EXPECT_EQ(same.Requests()[1].Header("Authorization"), "secret");
+}
+
+TEST(HttpRedirect, NeverFromSecureToPlain) {
+  TlsFront* const front = TlsFront::Find();
+  if (front == nullptr) GTEST_SKIP() << "tls_front is missing";
+  HttpServer plain(Always(Response("end")));
+  HttpServer first(RedirectingTo("302 Found", plain.Url(u"/end")));
+  const Outcome outcome = Ask(front->Url(first.Port(), "good", u"/start"), u"GET");
+  EXPECT_FALSE(outcome.success);
+  EXPECT_EQ(outcome.status, 302u);
+  EXPECT_TRUE(plain.Requests().empty());
+
+  HttpServer upwards(RedirectingTo("302 Found", front->Url(plain.Port())));
+  EXPECT_EQ(Ask(upwards.Url(u"/start"), u"GET").body, "end");
+}
+
+TEST(HttpRedirect, AnswerComesBackWhereItLeadsNowhere) {
+  for (const StringView location : {u"ftp://x/", u"http://", u"http://a b/"}) {
+    HttpServer server(RedirectingTo("302 Found", String(location)));
+    const Outcome outcome = Ask(server.Url(u"/start"), u"GET");
+    EXPECT_EQ(outcome.status, 302u) << ToUtf8(location);
+  }
+  HttpServer without(Always(Response("", "", "302 Found")));
+  EXPECT_EQ(Ask(without.Url(), u"GET").status, 302u);
+  HttpServer other_kind(Always(Response("", "Location: /x\r\n", "304 Not Modified")));
+  EXPECT_EQ(Ask(other_kind.Url(), u"GET").status, 304u);
+}
+
+TEST(HttpRedirect, EndsAfterTen) {
+  const auto counting = [](int hops) {
+    return Answering([hops](const ReceivedRequest& request) {
+      const int number = std::stoi(request.line.substr(request.line.find("/") + 1));
+      return number == hops
+                 ? Response("end")
+                 : Response("", "Location: /" + std::to_string(number + 1) + "\r\n", "302 Found");
+    });
+  };
+  HttpServer ten(counting(10));
+  EXPECT_EQ(Ask(ten.Url(u"/0"), u"GET").body, "end");
+  HttpServer eleven(counting(11));
+  try {
+    Ask(eleven.Url(u"/0"), u"GET");
+    FAIL();
+  } catch (const EZentavoExtError& error) {
+    EXPECT_EQ(error.ErrorId(), 12156);
+  }
+  EXPECT_EQ(eleven.Requests().size(), 11u);
+}
+
+}  // namespace
+}  // namespace zentavo

@@ -1,0 +1,15 @@
+# The test servers stand on plain sockets; TLS is spoken for them by tls_front, a Linux program that
+# the Windows tests use too, through Wine, where the preset release has built it.
+if(WIN32)
+  target_link_libraries(${folder}_tests PRIVATE ws2_32 crypt32)
+  set(tls_front ${PROJECT_SOURCE_DIR}/build/release/bin/tls_front)
+else()
+  find_package(OpenSSL REQUIRED)
+  find_package(Threads REQUIRED)
+  add_executable(tls_front ${folder}/tls_front.cpp)
+  target_include_directories(tls_front PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(tls_front PRIVATE OpenSSL::SSL Threads::Threads)
+  add_dependencies(${folder}_tests tls_front)
+  set(tls_front $<TARGET_FILE:tls_front>)
+endif()
+target_compile_definitions(${folder}_tests PRIVATE ZENTAVO_TLS_FRONT="${tls_front}")

@@ -1,0 +1,221 @@
+// An HTTP server on loopback whose every byte the test decides.
+//
+//   HttpServer server(Always(Response("hello")));
+//   THTTPRequest::DoExecute(server.Url(u"/greeting"), u"");
+//   server.Requests().front().line;   // "GET /greeting HTTP/1.1"
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/sockets.h"
+
+namespace zentavo::testing {
+
+struct ReceivedRequest {
+  std::string line;
+  std::string headers;  // lines ended by CR LF
+  std::string body;
+  int connection = 0;  // counts from 0
+
+  // Empty when absent.
+  std::string Header(std::string_view name) const {
+    const std::string wanted = "\r\n" + Lower(name) + ": ";
+    const std::string lines = "\r\n" + headers;
+    const std::size_t found = Lower(lines).find(wanted);
+    if (found == std::string::npos) return {};
+    const std::size_t start = found + wanted.size();
+    return lines.substr(start, lines.find("\r\n", start) - start);
+  }
+
+ private:
+  static std::string Lower(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return lower;
+  }
+};
+
+// The server's end of one connection.
+class HttpPeer {
+ public:
+  HttpPeer(Socket socket, int number) : socket_(std::move(socket)), number_(number) {}
+
+  // Not to be closed by a script.
+  Socket& Channel() { return socket_; }
+
+  // The next request without its body; nothing when the client has gone.
+  std::optional<ReceivedRequest> ReadHead() {
+    std::size_t end = 0;
+    while ((end = pending_.find("\r\n\r\n")) == std::string::npos) {
+      if (!Fill()) return std::nullopt;
+    }
+    ReceivedRequest request;
+    const std::size_t line_end = pending_.find("\r\n");
+    request.line = pending_.substr(0, line_end);
+    request.headers = pending_.substr(line_end + 2, end - line_end);
+    request.connection = number_;
+    pending_.erase(0, end + 4);
+    return request;
+  }
+  // With its body; the client sends no chunks.
+  std::optional<ReceivedRequest> Read() {
+    std::optional<ReceivedRequest> request = ReadHead();
+    if (!request) return std::nullopt;
+    const std::string length = request->Header("Content-Length");
+    const std::size_t size = length.empty() ? 0 : std::stoull(length);
+    while (pending_.size() < size) {
+      if (!Fill()) return std::nullopt;
+    }
+    request->body = pending_.substr(0, size);
+    pending_.erase(0, size);
+    return request;
+  }
+  // Reads `size` bytes of a body and forgets them; returns their sum. Stops at the end.
+  std::uint64_t Drain(std::uint64_t size) {
+    std::uint64_t sum = 0;
+    while (size != 0 && (!pending_.empty() || Fill())) {
+      const auto count = std::min<std::uint64_t>(size, pending_.size());
+      for (std::size_t i = 0; i < count; ++i) sum += static_cast<unsigned char>(pending_[i]);
+      pending_.erase(0, static_cast<std::size_t>(count));
+      size -= count;
+    }
+    return sum;
+  }
+  bool Send(std::string_view bytes) { return socket_.Send(bytes); }
+  // Waits until the client closes.
+  void AwaitEnd() {
+    while (Fill()) pending_.clear();
+  }
+
+ private:
+  bool Fill() {
+    const std::string bytes = socket_.Receive();
+    pending_ += bytes;
+    return !bytes.empty();
+  }
+
+  Socket socket_;
+  int number_;
+  std::string pending_;
+};
+
+inline std::string Response(std::string_view body, std::string_view headers = {},
+                            std::string_view status = "200 OK") {
+  return "HTTP/1.1 " + std::string(status) + "\r\n" + std::string(headers) +
+         "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
+}
+
+class HttpServer {
+ public:
+  // What happens on one connection; it is closed afterwards. May record a request.
+  using Script = std::function<void(HttpServer& server, HttpPeer& peer)>;
+
+  explicit HttpServer(Script script, int family = AF_INET)
+      : script_(std::move(script)), listener_(family), family_(family) {
+    if (Port() != 0) acceptor_ = std::thread([this] { AcceptAll(); });
+  }
+  HttpServer(const HttpServer&) = delete;
+  HttpServer& operator=(const HttpServer&) = delete;
+  ~HttpServer() { Stop(); }
+
+  // Ends all connections and answers no new ones.
+  void Stop() {
+    if (!acceptor_.joinable()) return;
+    {
+      const std::lock_guard lock(mutex_);
+      stopping_ = true;
+    }
+    ConnectTo(Port(), family_);
+    acceptor_.join();
+    {
+      const std::lock_guard lock(mutex_);
+      for (const SystemSocket socket : open_) EndSystemSocket(socket);
+    }
+    for (std::thread& thread : threads_) thread.join();
+    listener_.Close();
+  }
+
+  std::uint16_t Port() const { return listener_.Port(); }
+  std::u16string Url(std::u16string_view path = u"/") const {
+    const std::string port = std::to_string(Port());
+    return (family_ == AF_INET6 ? u"http://[::1]:" : u"http://127.0.0.1:") +
+           std::u16string(port.begin(), port.end()) + std::u16string(path);
+  }
+
+  void Record(const ReceivedRequest& request) {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(request);
+  }
+  std::vector<ReceivedRequest> Requests() {
+    const std::lock_guard lock(mutex_);
+    return requests_;
+  }
+
+ private:
+  void AcceptAll() {
+    for (int number = 0;; ++number) {
+      Socket socket = listener_.Accept();
+      const std::lock_guard lock(mutex_);
+      if (stopping_) return;
+      open_.push_back(socket.get());
+      threads_.emplace_back([this, number, shared = std::make_shared<Socket>(std::move(socket))] {
+        HttpPeer peer(std::move(*shared), number);
+        const SystemSocket system_socket = peer.Channel().get();
+        script_(*this, peer);
+        const std::lock_guard forget(mutex_);
+        if (stopping_) return peer.Channel().LeaveEnded();
+        open_.remove(system_socket);
+        peer.Channel().Close();
+      });
+    }
+  }
+
+  const Script script_;
+  Listener listener_;
+  const int family_;
+  std::mutex mutex_;  // guards what follows
+  bool stopping_ = false;
+  std::list<SystemSocket> open_;
+  std::vector<ReceivedRequest> requests_;
+  std::list<std::thread> threads_;
+  std::thread acceptor_;
+};
+
+// Answers every request, after recording it, with what `answer` makes of it; an empty answer ends
+// the connection.
+inline HttpServer::Script Answering(std::function<std::string(const ReceivedRequest&)> answer) {
+  return [answer = std::move(answer)](HttpServer& server, HttpPeer& peer) {
+    while (const std::optional<ReceivedRequest> request = peer.Read()) {
+      server.Record(*request);
+      const std::string bytes = answer(*request);
+      if (bytes.empty() || !peer.Send(bytes)) return;
+    }
+  };
+}
+
+inline HttpServer::Script Always(std::string bytes) {
+  return Answering([bytes = std::move(bytes)](const ReceivedRequest&) { return bytes; });
+}
+
+// Sends the bytes once, behind the first request, and closes.
+inline HttpServer::Script Once(std::string bytes) {
+  return [bytes = std::move(bytes)](HttpServer& server, HttpPeer& peer) {
+    if (const std::optional<ReceivedRequest> request = peer.Read()) {
+      server.Record(*request);
+      peer.Send(bytes);
+      peer.Channel().Shutdown(kShutSend);
+      peer.AwaitEnd();
+    }
+  };
+}
+
+}  // namespace zentavo::testing
