@@ -25,6 +25,8 @@ constexpr void (*kCommands[])(CLI::App&) = {
     zentavo::tool::AddMatchCommand,   zentavo::tool::AddOptimiseCommand,
     zentavo::tool::AddAmountCommand,  zentavo::tool::AddSqlCommand,
     zentavo::tool::AddTextCommand,    zentavo::tool::AddAccessCommand,
+    zentavo::tool::AddHtmlCommand,    zentavo::tool::AddSettingCommand,
+    zentavo::tool::AddEventCommand,
 #ifdef ZENTAVO_SQL
     zentavo::tool::AddDataCommand,
 #endif
