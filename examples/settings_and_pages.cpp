@@ -5,7 +5,7 @@
 #include "zentavo/genlib/code_pages.h"
 #include "zentavo/genlib/event_log.h"
 #include "zentavo/genlib/html_text.h"
-#include "zentavo/genlib/settings.h"
+#include "zentavo/settings/settings.h"
 #include "zentavo/textout/html_object.h"
 
 int main() {

@@ -4,7 +4,7 @@
 #include "tools/zentavo/command.h"
 #include "tools/zentavo/files.h"
 #include "zentavo/framework/text.h"
-#include "zentavo/genlib/settings.h"
+#include "zentavo/settings/settings.h"
 
 namespace zentavo::tool {
 

@@ -1,4 +1,4 @@
-#include "zentavo/genlib/settings.h"
+#include "zentavo/settings/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include "tests/support/program_run.h"
 #include "tests/support/user_settings.h"
 #include "zentavo/framework/number_text.h"
-#include "zentavo/genlib/settings_file.h"
 #include "zentavo/platform/directories.h"
 #include "zentavo/platform/process.h"
+#include "zentavo/settings/settings_file.h"
 
 namespace zentavo {
 namespace {

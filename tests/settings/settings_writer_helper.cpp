@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "zentavo/framework/number_text.h"
-#include "zentavo/genlib/settings_file.h"
 #include "zentavo/platform/console.h"
+#include "zentavo/settings/settings_file.h"
 
 int main(int count, char** arguments) {
   try {

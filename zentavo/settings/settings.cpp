@@ -1,10 +1,10 @@
-#include "zentavo/genlib/settings.h"
+#include "zentavo/settings/settings.h"
 
 #include <optional>
 
 #include "zentavo/framework/format.h"
-#include "zentavo/genlib/settings_file.h"
 #include "zentavo/platform/user_settings.h"
+#include "zentavo/settings/settings_file.h"
 
 namespace zentavo {
 

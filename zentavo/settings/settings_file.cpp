@@ -1,4 +1,4 @@
-#include "zentavo/genlib/settings_file.h"
+#include "zentavo/settings/settings_file.h"
 
 #include <span>
 
