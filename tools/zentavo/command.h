@@ -64,12 +64,15 @@ void AddJsonCommand(CLI::App& program);
 void AddAccessCommand(CLI::App& program);
 void AddAmountCommand(CLI::App& program);
 void AddDataCommand(CLI::App& program);  // where the data sets over databases are built
+void AddEventCommand(CLI::App& program);
 void AddExprCommand(CLI::App& program);
 void AddFormulaCommand(CLI::App& program);
 void AddHttpCommand(CLI::App& program);
+void AddHtmlCommand(CLI::App& program);
 void AddIniCommand(CLI::App& program);
 void AddMatchCommand(CLI::App& program);
 void AddOptimiseCommand(CLI::App& program);
+void AddSettingCommand(CLI::App& program);
 void AddSqlCommand(CLI::App& program);
 void AddTextCommand(CLI::App& program);
 

@@ -25,7 +25,8 @@ constexpr void (*kCommands[])(CLI::App&) = {
     zentavo::tool::AddMatchCommand,   zentavo::tool::AddOptimiseCommand,
     zentavo::tool::AddAmountCommand,  zentavo::tool::AddSqlCommand,
     zentavo::tool::AddTextCommand,    zentavo::tool::AddAccessCommand,
-    zentavo::tool::AddHttpCommand,
+    zentavo::tool::AddHttpCommand,    zentavo::tool::AddHtmlCommand,
+    zentavo::tool::AddSettingCommand, zentavo::tool::AddEventCommand,
 #ifdef ZENTAVO_SQL
     zentavo::tool::AddDataCommand,
 #endif

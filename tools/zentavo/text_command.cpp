@@ -4,9 +4,12 @@
 #include "tools/zentavo/command.h"
 #include "tools/zentavo/files.h"
 #include "zentavo/framework/number_text.h"
+#include "zentavo/genlib/code_pages.h"
+#include "zentavo/genlib/html_text.h"
 #include "zentavo/genlib/masking.h"
 #include "zentavo/genlib/output_text.h"
 #include "zentavo/genlib/sql_text.h"
+#include "zentavo/textout/spell.h"
 
 namespace zentavo::tool {
 
@@ -16,6 +19,7 @@ struct TextOptions {
   std::string text;
   std::string second;
   std::int32_t width = 0;
+  std::int32_t code_page = 0;
 };
 
 using Options = std::shared_ptr<TextOptions>;
@@ -68,14 +72,42 @@ void AddMaskRoutines(CLI::App& parent, const Options& options) {
   });
 }
 
+void AddHtmlRoutines(CLI::App& parent, const Options& options) {
+  AddRoutine(parent, options, "html", "Make a page of command-link text").callback([options] {
+    PrintText(XCHToHTML(FromUtf8(options->text)));
+  });
+  AddRoutine(parent, options, "fix-html", "Rename what an embedding host provides")
+      .callback([options] { PrintText(fixHtmlCode(FromUtf8(options->text))); });
+}
+
+void AddLanguageRoutines(CLI::App& parent, const Options& options) {
+  CLI::App& fits =
+      AddRoutine(parent, options, "fits", "Print whether a code page has every character");
+  fits.add_option("CODEPAGE", options->code_page, "Its number, 0 for the system's")->required();
+  fits.callback([options] {
+    const bool fit = !NotInCodePage(FromUtf8(options->text), options->code_page);
+    PrintText(fit ? u"yes" : u"no");
+  });
+
+  CLI::App& words = *parent.add_subcommand("words", "Print an amount in words");
+  words.add_option("NUMBER", options->text, "The amount")->required();
+  words.add_option("LANGUAGE", options->second, "BG, SR, EN, TR, RO, RU; Greek otherwise")
+      ->required();
+  words.callback([options] {
+    PrintText(Spell(ReadNumberArgument(options->text), {}, FromUtf8(options->second)));
+  });
+}
+
 }  // namespace
 
 void AddTextCommand(CLI::App& program) {
   auto options = std::make_shared<TextOptions>();
-  CLI::App& command = *program.add_subcommand("text", "Wrap, trim, mask and hash texts");
+  CLI::App& command = *program.add_subcommand("text", "Wrap, trim, mask and convert texts");
   command.require_subcommand(1);
   AddLineRoutines(command, options);
   AddMaskRoutines(command, options);
+  AddHtmlRoutines(command, options);
+  AddLanguageRoutines(command, options);
 }
 
 }  // namespace zentavo::tool

@@ -37,18 +37,25 @@ String FromSystemAnsi(std::string_view bytes) {
   return FromCodePage(bytes, SystemCodePage());
 }
 
-AnsiString ToCodePage(StringView text, std::uint32_t code_page) {
+AnsiString ToCodePage(StringView text, std::uint32_t code_page, CodePageFit fit) {
   if (code_page == platform::kCodePageUtf8) return ToUtf8(text);
-  std::optional<std::string> bytes = platform::EncodeCodePage(text, code_page);
+  std::optional<std::string> bytes = platform::EncodeCodePage(text, code_page, fit);
   if (!bytes) RaiseUnknown(code_page);
   return std::move(*bytes);
 }
 
-String FromCodePage(std::string_view bytes, std::uint32_t code_page) {
+String FromCodePage(std::string_view bytes, std::uint32_t code_page, LooseBytes loose) {
   if (code_page == platform::kCodePageUtf8) return FromUtf8(bytes);
-  std::optional<std::u16string> text = platform::DecodeCodePage(bytes, code_page);
+  std::optional<std::u16string> text = platform::DecodeCodePage(bytes, code_page, loose);
   if (!text) RaiseUnknown(code_page);
   return std::move(*text);
+}
+
+bool FitsCodePage(StringView text, std::uint32_t code_page) {
+  if (code_page == platform::kCodePageUtf8) return !HasLoneSurrogate(text);
+  const std::optional<bool> fits = platform::FitsCodePage(text, code_page);
+  if (!fits) RaiseUnknown(code_page);
+  return *fits;
 }
 
 }  // namespace zentavo

@@ -5,8 +5,12 @@
 #pragma once
 
 #include "zentavo/framework/text.h"
+#include "zentavo/platform/code_pages.h"
 
 namespace zentavo {
+
+using platform::CodePageFit;
+using platform::LooseBytes;
 
 ZENTAVO_API std::uint32_t SystemCodePage();
 // Sets the code page for the whole process; 0 returns to the platform's. Raises EConvertError
@@ -16,8 +20,14 @@ ZENTAVO_API void SetSystemCodePage(std::uint32_t code_page);
 // What has no counterpart becomes '?'; invalid bytes become U+FFFD.
 ZENTAVO_API AnsiString ToSystemAnsi(StringView text);
 ZENTAVO_API String FromSystemAnsi(std::string_view bytes);
-// The same for a numbered code page. Raise EConvertError "Unknown code page %d".
-ZENTAVO_API AnsiString ToCodePage(StringView text, std::uint32_t code_page);
-ZENTAVO_API String FromCodePage(std::string_view bytes, std::uint32_t code_page);
+// The same for a numbered code page, or with other answers to what does not fit. Raise
+// EConvertError "Unknown code page %d".
+ZENTAVO_API AnsiString ToCodePage(StringView text, std::uint32_t code_page,
+                                  CodePageFit fit = CodePageFit::kExact);
+ZENTAVO_API String FromCodePage(std::string_view bytes, std::uint32_t code_page,
+                                LooseBytes loose = LooseBytes::kReplaced);
+// Whether every character of `text` has a place of its own in the page, which no lone surrogate has
+// but in UTF-7. Raises EConvertError "Unknown code page %d".
+ZENTAVO_API bool FitsCodePage(StringView text, std::uint32_t code_page);
 
 }  // namespace zentavo

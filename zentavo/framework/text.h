@@ -28,6 +28,7 @@ ZENTAVO_API String FromUtf8(std::string_view bytes);
 ZENTAVO_API void AppendUtf8(AnsiString& out, StringView text);
 ZENTAVO_API void AppendFromUtf8(String& out, std::string_view bytes);
 ZENTAVO_API bool IsValidUtf8(std::string_view bytes);
+ZENTAVO_API bool HasLoneSurrogate(StringView text);
 
 namespace text_internal {
 // The simple upper-case mapping of every unit, built at the first use.

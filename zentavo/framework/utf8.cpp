@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "zentavo/framework/text.h"
@@ -93,33 +94,138 @@ std::size_t AsciiRun(std::string_view bytes, std::size_t index) {
   return index - start;
 }
 
-// How many units at the start of `text` are ASCII.
-std::size_t AsciiRun(StringView text) {
-  constexpr std::size_t kBlock = 16;
+// How many units at the start of `text` are no surrogates.
+std::size_t RunWithoutSurrogates(StringView text) {
+  constexpr std::size_t kBlock = 32;
   std::size_t index = 0;
   while (index + kBlock <= text.size()) {
-    unsigned all = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) all |= text[index + i];
-    if (all >= 0x80) break;
+    unsigned any = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) any |= (text[index + i] & 0xF800) == 0xD800;
+    if (any != 0) break;
     index += kBlock;
   }
-  while (index < text.size() && text[index] < 0x80) ++index;
+  while (index < text.size() && (text[index] & 0xF800) != 0xD800) ++index;
   return index;
+}
+
+// What is enough for WriteShort and WriteOne over all of `text`: a surrogate counts as three bytes,
+// and WriteShort writes one beyond what it means.
+std::size_t Utf8Room(StringView text) {
+  std::size_t beyond_ascii = 0;
+  std::size_t three_bytes = 0;
+  for (const char16_t unit : text) {
+    beyond_ascii += unit >= 0x80;
+    three_bytes += unit >= 0x800;
+  }
+  return text.size() + beyond_ascii + three_bytes + 1;
+}
+
+// Writes the units from `index` on that take one or two bytes, most of European texts, and returns
+// the end of what was written. Two bytes are always written, of which the next unit overwrites what
+// was not meant: branches would be mispredicted wherever a text changes its script.
+char* WriteShort(StringView text, std::size_t& index, char* out) {
+  std::size_t at = index;
+  for (; at < text.size() && text[at] < 0x800; ++at) {
+    const unsigned unit = text[at];
+    const unsigned is_pair = (unit + 0x780) >> 11;  // 1 from 0x80 on
+    const unsigned lead = 0xC0 | unit >> 6;
+    out[0] = static_cast<char>(unit ^ ((unit ^ lead) & (0U - is_pair)));
+    out[1] = static_cast<char>(0x80 | (unit & 0x3F));
+    out += 1 + is_pair;
+  }
+  index = at;
+  return out;
+}
+
+char* WriteOne(StringView text, std::size_t& index, char* out) {
+  if (text[index] >= 0x80) return WriteUtf8(out, NextCodePoint(text, index));
+  *out++ = static_cast<char>(text[index++]);
+  return out;
+}
+
+// Eight bytes, or four lanes of two, in one register, the first in its lowest bits. Steps over them
+// write whole registers and move on by as much as was valid, for the same reason as above.
+using Lanes = std::uint64_t;
+static_assert(std::endian::native == std::endian::little);
+
+constexpr Lanes InEachLane(std::uint16_t value) {
+  return Lanes{value} * 0x0001000100010001U;
+}
+constexpr Lanes kTopBits = InEachLane(0x8080);
+
+Lanes LoadLanes(const char* from) {
+  Lanes lanes;
+  std::memcpy(&lanes, from, sizeof lanes);
+  return lanes;
 }
 
 bool IsTrail(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// Reads the well-formed sequences of two bytes from `index` on, most of what is not ASCII in
-// European texts, and returns the end of what was written.
-char16_t* ReadPairs(std::string_view bytes, std::size_t& index, char16_t* out) {
-  while (index + 1 < bytes.size()) {
-    const auto lead = static_cast<unsigned char>(bytes[index]);
-    if (lead < 0xC2 || lead > 0xDF || !IsTrail(bytes[index + 1])) break;
-    *out++ = static_cast<char16_t>(((lead & 0x1Fu) << 6) |
-                                   (static_cast<unsigned char>(bytes[index + 1]) & 0x3Fu));
-    index += 2;
+// Each step reads what the bytes at `from` begin with, as units, and returns how many that are.
+std::size_t ReadAscii(const char* from, char16_t* out) {
+  std::copy_n(from, 8, out);
+  return static_cast<std::size_t>(std::countr_zero(LoadLanes(from) & kTopBits)) / 8;
+}
+
+std::size_t ReadFourPairs(const char* from, char16_t* out) {
+  const Lanes pairs = LoadLanes(from);
+  const Lanes units = (pairs & InEachLane(0x1F)) << 6 | (pairs >> 8 & InEachLane(0x3F));
+  std::memcpy(out, &units, sizeof units);
+  const Lanes not_overlong = (pairs & InEachLane(0x1E)) + InEachLane(0x7FFF);
+  const Lanes faults =
+      ((pairs & InEachLane(0xC0E0)) ^ InEachLane(0x80C0)) | (~not_overlong & InEachLane(0x8000));
+  return static_cast<std::size_t>(std::countr_zero(faults)) / 16;
+}
+
+std::size_t ReadEightPairs(const char* from, char16_t* out) {
+  const std::size_t first = ReadFourPairs(from, out);
+  const std::size_t second = ReadFourPairs(from + 8, out + 4);
+  return first + (second & (0 - (first >> 2)));  // the second counts behind four of the first
+}
+
+// A step writes up to so many units beyond what it means.
+constexpr std::size_t kSlack = 8;
+
+// What is enough for the units of `bytes` where no trail byte stands alone.
+std::size_t Utf16Room(std::string_view bytes) {
+  std::size_t units = kSlack;
+  for (const char byte : bytes) {
+    units += !IsTrail(byte);
+    units += static_cast<unsigned char>(byte) >= 0xF0;
+  }
+  return units;
+}
+
+// Reads well-formed sequences of one and two bytes from `index` on, to some way before the end.
+char16_t* ReadShort(std::string_view bytes, std::size_t& index, char16_t* out) {
+  constexpr std::size_t kStep = 8 + 16;
+  std::size_t at = index;
+  std::size_t done = 1;
+  while (done > 0 && at + kStep <= bytes.size()) {
+    const std::size_t ascii = ReadAscii(bytes.data() + at, out);
+    const std::size_t pairs = ReadEightPairs(bytes.data() + at + ascii, out + ascii);
+    at += ascii + 2 * pairs;
+    done = ascii + pairs;
+    out += done;
+  }
+  index = at;
+  return out;
+}
+
+char16_t* ReadOne(std::string_view bytes, std::size_t& index, char16_t* out) {
+  if (static_cast<unsigned char>(bytes[index]) < 0x80) {
+    *out++ = static_cast<unsigned char>(bytes[index++]);
+    return out;
+  }
+  bool valid;
+  const char32_t code_point = NextSequence(bytes, index, valid);
+  if (code_point >= 0x10000) {
+    *out++ = static_cast<char16_t>(0xD7C0 + (code_point >> 10));
+    *out++ = static_cast<char16_t>(0xDC00 + (code_point & 0x3FF));
+  } else {
+    *out++ = static_cast<char16_t>(code_point);
   }
   return out;
 }
@@ -128,16 +234,11 @@ char16_t* ReadPairs(std::string_view bytes, std::size_t& index, char16_t* out) {
 
 void AppendUtf8(AnsiString& out, StringView text) {
   const std::size_t old_size = out.size();
-  const std::size_t ascii = AsciiRun(text);
-  out.resize(old_size + ascii + (text.size() - ascii) * 3);
+  out.resize(old_size + Utf8Room(text));
   char* end = out.data() + old_size;
-  for (std::size_t index = 0; index < ascii; ++index) *end++ = static_cast<char>(text[index]);
-  for (std::size_t index = ascii; index < text.size();) {
-    if (text[index] < 0x80) {
-      *end++ = static_cast<char>(text[index++]);
-    } else {
-      end = WriteUtf8(end, NextCodePoint(text, index));
-    }
+  for (std::size_t index = 0; index < text.size();) {
+    end = WriteShort(text, index, end);
+    if (index < text.size()) end = WriteOne(text, index, end);
   }
   out.resize(static_cast<std::size_t>(end - out.data()));
 }
@@ -149,23 +250,20 @@ AnsiString ToUtf8(StringView text) {
 }
 
 void AppendFromUtf8(String& out, std::string_view bytes) {
-  const std::size_t old_size = out.size();
-  out.resize(old_size + bytes.size());  // no sequence gives more units than it has bytes
-  char16_t* end = out.data() + old_size;
+  std::size_t used = out.size();
+  out.resize(used + Utf16Room(bytes));
+  bool room_for_all = false;
+  char16_t* end = out.data() + used;
   for (std::size_t index = 0; index < bytes.size();) {
-    const std::size_t run = AsciiRun(bytes, index);
-    end = std::copy_n(bytes.data() + index, run, end);
-    index += run;
-    end = ReadPairs(bytes, index, end);
-    if (index == bytes.size() || static_cast<unsigned char>(bytes[index]) < 0x80) continue;
-    bool valid;
-    const char32_t code_point = NextSequence(bytes, index, valid);
-    if (code_point >= 0x10000) {
-      *end++ = static_cast<char16_t>(0xD7C0 + (code_point >> 10));
-      *end++ = static_cast<char16_t>(0xDC00 + (code_point & 0x3FF));
-    } else {
-      *end++ = static_cast<char16_t>(code_point);
+    end = ReadShort(bytes, index, end);
+    if (index == bytes.size()) break;
+    if (!room_for_all && IsTrail(bytes[index])) {
+      used = static_cast<std::size_t>(end - out.data());
+      out.resize(used + (bytes.size() - index) + kSlack);  // no byte gives more than a unit
+      end = out.data() + used;
+      room_for_all = true;
     }
+    end = ReadOne(bytes, index, end);
   }
   out.resize(static_cast<std::size_t>(end - out.data()));
 }
@@ -184,6 +282,14 @@ bool IsValidUtf8(std::string_view bytes) {
     if (!valid) return false;
   }
   return true;
+}
+
+bool HasLoneSurrogate(StringView text) {
+  for (std::size_t index = 0; index < text.size();) {
+    index += RunWithoutSurrogates(text.substr(index));
+    if (index < text.size() && NextCodePoint(text, index) == kReplacement) return true;
+  }
+  return false;
 }
 
 }  // namespace zentavo

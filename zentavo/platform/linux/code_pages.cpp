@@ -5,9 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <utility>
 #include <vector>
+
+#include "zentavo/platform/linux/documented_pages.h"
+#include "zentavo/platform/linux/single_byte_page.h"
 
 namespace zentavo::platform {
 
@@ -136,6 +141,74 @@ UConverter* ThreadConverter(std::uint32_t code_page) {
   return entries.back().converter.get();
 }
 
+// Single-byte pages ----------------------------------------------------------------------------
+
+// What a byte stands for to `converter`: one unit, or U+FFFD for none; nothing for more than one.
+std::optional<char16_t> UnitOf(UConverter* converter, std::size_t byte) {
+  const char bytes[] = {static_cast<char>(byte)};
+  char16_t units[4] = {};
+  UErrorCode status = U_ZERO_ERROR;
+  const std::int32_t count = ucnv_toUChars(converter, units, 4, bytes, 1, &status);
+  if (U_FAILURE(status) || count > 1) return std::nullopt;
+  return count == 1 ? units[0] : u'\uFFFD';
+}
+
+// The tables of a page that has one byte and one unit for every character, else null.
+std::unique_ptr<SingleBytePage> MakeTables(std::uint32_t code_page, UConverter* converter) {
+  if (ucnv_getMaxCharSize(converter) != 1) return nullptr;
+  SingleBytePage::Units units;
+  for (std::size_t byte = 0; byte < units.size(); ++byte) {
+    const std::optional<char16_t> unit = UnitOf(converter, byte);
+    if (!unit) return nullptr;
+    units[byte] = *unit;
+  }
+  // Here too converters exchange control characters.
+  if (units['A'] == u'A') {
+    for (std::size_t byte = 0; byte < 0x80; ++byte) units[byte] = static_cast<char16_t>(byte);
+  }
+  ApplyDocumentedUnits(code_page, units);
+  return std::make_unique<SingleBytePage>(units, DocumentedBestFits(code_page));
+}
+
+// Some converters exchange three control characters, as mainframes once did. None of them is a
+// later byte of a character, so that they can be put back in the result.
+bool ExchangesControls(UConverter* converter) {
+  return UnitOf(converter, 0x1A) == u'\x1C' && UnitOf(converter, 0x1C) == u'\x7F';
+}
+
+struct KnownPage {
+  std::uint32_t code_page;
+  std::unique_ptr<const SingleBytePage> tables;  // null for a page of more bytes a character
+  bool exchanges_controls;
+  const KnownPage* next;
+};
+
+// Every page that was asked for and that there is, the latest first. Pages are added in front and
+// never freed: threads convert to the very end of the process.
+constinit std::atomic<const KnownPage*> known_pages{nullptr};
+constinit std::mutex adding_page;
+
+const KnownPage* FindAmongKnown(std::uint32_t code_page) {
+  const KnownPage* page = known_pages.load(std::memory_order_acquire);
+  while (page != nullptr && page->code_page != code_page) page = page->next;
+  return page;
+}
+
+// Null when the system has no such page.
+const KnownPage* FindPage(std::uint32_t code_page) {
+  if (const KnownPage* known = FindAmongKnown(code_page)) return known;
+  UConverter* converter = ThreadConverter(code_page);
+  if (converter == nullptr) return nullptr;
+  const std::lock_guard lock(adding_page);
+  if (const KnownPage* known = FindAmongKnown(code_page)) return known;
+  const auto* added = new KnownPage{code_page, MakeTables(code_page, converter),
+                                    ExchangesControls(converter), known_pages.load()};
+  known_pages.store(added, std::memory_order_release);
+  return added;
+}
+
+// Other pages ----------------------------------------------------------------------------------
+
 // Runs `convert(target, target_end, status)` until it has written all, growing `out` as needed.
 template <typename Text, typename Convert>
 void ConvertAll(Text& out, std::size_t estimate, Convert convert) {
@@ -152,19 +225,24 @@ void ConvertAll(Text& out, std::size_t estimate, Convert convert) {
   out.resize(done);
 }
 
-}  // namespace
-
-std::uint32_t DefaultCodePage() {
-  return kCodePageUtf8;
+// Sends each of the controls to the next one in the circle from `first`.
+template <typename Text>
+void ExchangeControls(Text& text, char first, char second, char third) {
+  using Unit = typename Text::value_type;
+  for (Unit& unit : text) {
+    if (unit == Unit(first)) {
+      unit = Unit(second);
+    } else if (unit == Unit(second)) {
+      unit = Unit(third);
+    } else if (unit == Unit(third)) {
+      unit = Unit(first);
+    }
+  }
 }
 
-bool CodePageKnown(std::uint32_t code_page) {
-  return ThreadConverter(code_page) != nullptr;
-}
-
-std::optional<std::string> EncodeCodePage(std::u16string_view text, std::uint32_t code_page) {
-  UConverter* converter = ThreadConverter(code_page);
-  if (converter == nullptr) return std::nullopt;
+std::string EncodeByConverter(std::u16string_view text, const KnownPage& page, CodePageFit fit) {
+  UConverter* converter = ThreadConverter(page.code_page);
+  ucnv_setFallback(converter, fit == CodePageFit::kBest);
   ucnv_resetFromUnicode(converter);
   std::string bytes;
   const char16_t* source = text.data();
@@ -172,12 +250,13 @@ std::optional<std::string> EncodeCodePage(std::u16string_view text, std::uint32_
   ConvertAll(bytes, text.size() * 2, [&](char** target, char* limit, UErrorCode* status) {
     ucnv_fromUnicode(converter, target, limit, &source, end, nullptr, true, status);
   });
+  if (page.exchanges_controls) ExchangeControls(bytes, '\x7F', '\x1A', '\x1C');
   return bytes;
 }
 
-std::optional<std::u16string> DecodeCodePage(std::string_view bytes, std::uint32_t code_page) {
-  UConverter* converter = ThreadConverter(code_page);
-  if (converter == nullptr) return std::nullopt;
+std::u16string DecodeByConverter(std::string_view bytes, const KnownPage& page) {
+  UConverter* converter = ThreadConverter(page.code_page);
+  ucnv_setFallback(converter, false);
   ucnv_resetToUnicode(converter);
   std::u16string text;
   const char* source = bytes.data();
@@ -185,7 +264,65 @@ std::optional<std::u16string> DecodeCodePage(std::string_view bytes, std::uint32
   ConvertAll(text, bytes.size(), [&](char16_t** target, char16_t* limit, UErrorCode* status) {
     ucnv_toUnicode(converter, target, limit, &source, end, nullptr, true, status);
   });
+  if (page.exchanges_controls) ExchangeControls(text, '\x1C', '\x1A', '\x7F');
   return text;
+}
+
+// Leaves the fault standing, which ends the conversion. The stock one passes over soft hyphens,
+// joiners and the like.
+void StopAtFault(const void*, UConverterFromUnicodeArgs*, const UChar*, std::int32_t, UChar32,
+                 UConverterCallbackReason, UErrorCode*) {}
+
+bool FitsByConverter(std::u16string_view text, std::uint32_t code_page) {
+  UConverter* converter = ThreadConverter(code_page);
+  ucnv_setFallback(converter, false);
+  ucnv_resetFromUnicode(converter);
+  UConverterFromUCallback replace = nullptr;
+  const void* context = nullptr;
+  UErrorCode status = U_ZERO_ERROR;
+  ucnv_setFromUCallBack(converter, StopAtFault, nullptr, &replace, &context, &status);
+  const char16_t* source = text.data();
+  const char16_t* end = source + text.size();
+  do {
+    char bytes[4096];  // not looked at
+    char* target = bytes;
+    status = U_ZERO_ERROR;
+    ucnv_fromUnicode(converter, &target, std::end(bytes), &source, end, nullptr, true, &status);
+  } while (status == U_BUFFER_OVERFLOW_ERROR);
+  const bool fits = U_SUCCESS(status);
+  status = U_ZERO_ERROR;
+  ucnv_setFromUCallBack(converter, replace, context, nullptr, nullptr, &status);
+  return fits;
+}
+
+}  // namespace
+
+std::uint32_t DefaultCodePage() {
+  return kCodePageUtf8;
+}
+
+bool CodePageKnown(std::uint32_t code_page) {
+  return FindPage(code_page) != nullptr;
+}
+
+std::optional<std::string> EncodeCodePage(std::u16string_view text, std::uint32_t code_page,
+                                          CodePageFit fit) {
+  const KnownPage* page = FindPage(code_page);
+  if (page == nullptr) return std::nullopt;
+  return page->tables ? page->tables->Encode(text, fit) : EncodeByConverter(text, *page, fit);
+}
+
+std::optional<std::u16string> DecodeCodePage(std::string_view bytes, std::uint32_t code_page,
+                                             LooseBytes loose) {
+  const KnownPage* page = FindPage(code_page);
+  if (page == nullptr) return std::nullopt;
+  return page->tables ? page->tables->Decode(bytes, loose) : DecodeByConverter(bytes, *page);
+}
+
+std::optional<bool> FitsCodePage(std::u16string_view text, std::uint32_t code_page) {
+  const KnownPage* page = FindPage(code_page);
+  if (page == nullptr) return std::nullopt;
+  return page->tables ? page->tables->Fits(text) : FitsByConverter(text, code_page);
 }
 
 }  // namespace zentavo::platform

@@ -6,17 +6,15 @@
 #include <unicode/unum.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
 
+#include "zentavo/platform/linux/user_locale.h"
+
 namespace zentavo::platform {
 
 namespace {
-
-constexpr const char* kDefaultLocale = "en_US";
 
 template <auto close>
 struct Closer {
@@ -37,25 +35,6 @@ std::u16string TextFrom(Get get) {
   const std::int32_t size = get(buffer, static_cast<std::int32_t>(std::size(buffer)), &status);
   if (U_FAILURE(status)) return {};
   return {buffer, static_cast<std::size_t>(size)};
-}
-
-bool LanguageKnown(const std::string& locale) {
-  const std::string language = locale.substr(0, locale.find('_'));
-  for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
-    if (language == uloc_getAvailable(i)) return true;
-  }
-  return false;
-}
-
-// The locale that the environment names for one category, "el_GR" for instance.
-std::string LocaleOf(const char* category) {
-  for (const char* name : {"LC_ALL", category, "LANG"}) {
-    const char* value = std::getenv(name);
-    if (value == nullptr || *value == '\0') continue;
-    const std::string locale(value, std::strcspn(value, ".@"));
-    return LanguageKnown(locale) ? locale : kDefaultLocale;
-  }
-  return kDefaultLocale;
 }
 
 // Moves the quoted text at the start of `rest` to `out`. A doubled quote is an apostrophe.
@@ -163,7 +142,7 @@ void ReadNames(const UDateFormat* format, UDateFormatSymbolType type, std::int32
 }
 
 void ReadDates(LocaleData& data) {
-  const std::string locale = LocaleOf("LC_TIME") + "@calendar=gregorian";
+  const std::string locale = UserLocale("LC_TIME") + "@calendar=gregorian";
   data.short_date_format = NumericDatePattern(locale);
   data.long_date_format = StylePattern(locale, UDAT_NONE, UDAT_FULL);
   data.short_time_format = StylePattern(locale, UDAT_SHORT, UDAT_NONE);
@@ -195,7 +174,7 @@ NumberFormat OpenNumberFormat(const std::string& locale, UNumberFormatStyle styl
 }
 
 void ReadNumbers(LocaleData& data) {
-  const NumberFormat format = OpenNumberFormat(LocaleOf("LC_NUMERIC"), UNUM_DECIMAL);
+  const NumberFormat format = OpenNumberFormat(UserLocale("LC_NUMERIC"), UNUM_DECIMAL);
   if (!format) return;
   const std::u16string decimal = Symbol(format.get(), UNUM_DECIMAL_SEPARATOR_SYMBOL);
   const std::u16string thousand = Symbol(format.get(), UNUM_GROUPING_SEPARATOR_SYMBOL);
@@ -204,7 +183,7 @@ void ReadNumbers(LocaleData& data) {
 }
 
 void ReadCurrency(LocaleData& data) {
-  const NumberFormat format = OpenNumberFormat(LocaleOf("LC_MONETARY"), UNUM_CURRENCY);
+  const NumberFormat format = OpenNumberFormat(UserLocale("LC_MONETARY"), UNUM_CURRENCY);
   if (!format) return;
   data.currency = Symbol(format.get(), UNUM_CURRENCY_SYMBOL);
   data.currency_decimals = unum_getAttribute(format.get(), UNUM_MAX_FRACTION_DIGITS);

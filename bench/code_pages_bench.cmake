@@ -1,0 +1,2 @@
+find_package(ICU REQUIRED COMPONENTS uc)
+set(peers ICU::uc)

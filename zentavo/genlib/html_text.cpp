@@ -1,0 +1,147 @@
+#include "zentavo/genlib/html_text.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace zentavo {
+
+namespace {
+
+// How many units at the start of `text` are none of those that `stops` says, by blocks.
+template <typename Stops>
+std::size_t RunLength(StringView text, Stops stops) {
+  constexpr std::size_t kBlock = 16;
+  std::size_t index = 0;
+  while (index + kBlock <= text.size()) {
+    unsigned any = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) any |= stops(text[index + i]);
+    if (any != 0) break;
+    index += kBlock;
+  }
+  while (index < text.size() && !stops(text[index])) ++index;
+  return index;
+}
+
+constexpr unsigned IsBreak(char16_t unit) {
+  return static_cast<unsigned>(unit == u'\r') | static_cast<unsigned>(unit == u'\n');
+}
+
+// Makes the page out of the text, from its front to its end.
+class PageMaker {
+ public:
+  explicit PageMaker(StringView text) : text_(text) {
+    page_.reserve(text.size() + text.size() / 8 + 64);
+  }
+
+  String Make() {
+    page_ += u"<html>\r\n";
+    while (at_ < text_.size()) {
+      page_ += u"<p>";
+      MakeLine();
+      page_ += u"</p>\r\n";
+      SkipBreak();
+    }
+    page_ += u"</html>";
+    return std::move(page_);
+  }
+
+ private:
+  void MakeLine() {
+    for (;;) {
+      const StringView rest = text_.substr(at_);
+      const std::size_t plain =
+          RunLength(rest, [](char16_t unit) { return IsBreak(unit) | (unit == u'<'); });
+      page_ += rest.substr(0, plain);
+      at_ += plain;
+      if (at_ == text_.size() || IsBreak(text_[at_])) return;
+      MakeLink();
+    }
+  }
+
+  void MakeLink() {
+    if (!FindLinkEnd()) {
+      page_ += text_[at_++];
+      return;
+    }
+    page_ += u"<a href=\"xcmd:";
+    page_ += text_.substr(dollar_ + 1, greater_ - dollar_ - 1);
+    page_ += u"\">";
+    page_ += text_.substr(at_ + 1, dollar_ - at_ - 1);
+    page_ += u"</a>";
+    at_ = greater_ + 1;
+  }
+
+  // Sets the marks of the link that begins here, if it is one. What was found for an earlier '<' is
+  // not searched again, so that many of them cost no more than one.
+  bool FindLinkEnd() {
+    if (dollar_ <= at_) dollar_ = text_.find(u'$', at_);
+    if (dollar_ == StringView::npos) return false;
+    if (greater_ < dollar_) greater_ = text_.find(u'>', dollar_);
+    return greater_ != StringView::npos;
+  }
+
+  void SkipBreak() {
+    for (int i = 0; i < 2 && at_ < text_.size() && IsBreak(text_[at_]) != 0; ++i) ++at_;
+  }
+
+  StringView text_;
+  std::size_t at_ = 0;
+  std::size_t dollar_ = 0;   // the first '$' from some '<' on, and the first '>' behind it
+  std::size_t greater_ = 0;  // npos when there is none
+  String page_;
+};
+
+// A text that is searched for, by its one letter that is rare and has no other form in upper case.
+struct Pattern {
+  StringView upper;
+  std::size_t anchor;  // where the X stands
+  StringView replacement;
+};
+
+constexpr Pattern kPatterns[] = {
+    {u"EXTERNAL", 1, u"_external"},
+    {u"SRC=\"XCON.JS\">", 5, u"> var XCon=external;"},
+};
+
+// Whether `pattern` stands in `text` with its anchor at `anchor`, not before `from`.
+bool Matches(StringView text, const Pattern& pattern, std::size_t from, std::size_t anchor) {
+  if (anchor < from + pattern.anchor) return false;
+  const StringView found = text.substr(anchor - pattern.anchor, pattern.upper.size());
+  return std::equal(found.begin(), found.end(), pattern.upper.begin(), pattern.upper.end(),
+                    [](char16_t unit, char16_t upper) { return UpperUnit(unit) == upper; });
+}
+
+}  // namespace
+
+String XCHToHTML(StringView Text) {
+  return PageMaker(Text).Make();
+}
+
+// The patterns cannot overlap, and neither replacement makes the other pattern, except for the
+// "external" that the second one brings and that is to stay; so one pass does both steps.
+String fixHtmlCode(StringView Html) {
+  String fixed;
+  fixed.reserve(Html.size() + Html.size() / 16 + 64);
+  std::size_t done = 0;  // what stands before is in `fixed`
+  std::size_t at = 0;
+  for (;;) {
+    at += RunLength(Html.substr(at), [](char16_t unit) { return (unit | 0x20) == u'x'; });
+    if (at == Html.size()) break;
+    const auto* found =
+        std::find_if(std::begin(kPatterns), std::end(kPatterns),
+                     [&](const Pattern& pattern) { return Matches(Html, pattern, done, at); });
+    if (found == std::end(kPatterns)) {
+      ++at;
+      continue;
+    }
+    fixed += Html.substr(done, at - found->anchor - done);
+    fixed += found->replacement;
+    done = at - found->anchor + found->upper.size();
+    at = done;
+  }
+  fixed += Html.substr(done);
+  return fixed;
+}
+
+}  // namespace zentavo
