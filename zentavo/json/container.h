@@ -21,6 +21,8 @@ struct ValueView;
 class ZENTAVO_API TJSONContainer : public TZAbstractObject {
  public:
   ~TJSONContainer() override;
+  TJSONContainer& operator=(const TJSONContainer&) = delete;
+  TJSONContainer& operator=(TJSONContainer&&) = delete;
 
   std::int32_t length() const { return static_cast<std::int32_t>(storage_.Count()); }
   bool isEmpty() const { return storage_.Count() == 0; }
@@ -43,8 +45,6 @@ class ZENTAVO_API TJSONContainer : public TZAbstractObject {
   explicit TJSONContainer(bool keyed) : storage_(keyed) {}
   TJSONContainer(const TJSONContainer& other);
   TJSONContainer(TJSONContainer&& other) noexcept;
-  TJSONContainer& operator=(const TJSONContainer&) = delete;
-  TJSONContainer& operator=(TJSONContainer&&) = delete;
   void Swap(TJSONContainer& other) noexcept;
 
   json_internal::ValueView View(std::uint32_t index) const;

@@ -55,7 +55,7 @@ template <typename Unit>
 std::unique_ptr<TZAbstractObject> Reader<Unit>::ReadContainer(const Unit*& here, JSONKind kind) {
   const bool is_object = kind == JSONKind::kObject;
   const Unit* first = source_.Clean(source_.SkipMark(here));
-  if (first == source_.End() || *first != (is_object ? '{' : '[')) {
+  if (first == source_.End() || *first != static_cast<Unit>(is_object ? u'{' : u'[')) {
     throw source_.ErrorAt(
         is_object ? u"JSON Object must begin with \"{\"" : u"JSON Array must start with \"[\"",
         first);

@@ -54,7 +54,7 @@ String JSONTokener::next(std::int32_t N) {
   if (N < 0 || std::cmp_greater(N, FText.size() - FIndex)) {
     throw syntaxError(u"Substring bounds error");
   }
-  const String taken(FText, FIndex, static_cast<std::size_t>(N));
+  String taken(FText, FIndex, static_cast<std::size_t>(N));
   FIndex += taken.size();
   FMetEnd = false;
   return taken;
