@@ -115,6 +115,7 @@ TEST(HttpConnection, KeepsItsConnectionAlive) {
 }
 
 TEST(HttpConnection, ConnectsAnewWhenTheKeptOneHasGone) {
+  if (kOnWindows) GTEST_SKIP() << "Wine's service does not repeat what met a closed connection";
   HttpServer server([](HttpServer& self, HttpPeer& peer) {
     if (const auto request = peer.Read()) {
       self.Record(*request);
