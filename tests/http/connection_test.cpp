@@ -1,6 +1,8 @@
 #include "zentavo/http/connection.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "tests/http/http_asks.h"
 #include "tests/support/http_server.h"
@@ -9,10 +11,6 @@ namespace zentavo {
 namespace {
 
 using namespace testing;  // the servers
-using ::testing::AnyOf;
-using ::testing::Contains;
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 TEST(HttpConnection, RequestDecidesTheVerb) {
   HttpServer server(Always(Response("ok")));
@@ -52,7 +50,7 @@ TEST(HttpConnection, SendsItsAgentAndNoHeadersOfItsOwnMaking) {
     connection.Request(path, &input, nullptr, u"X-Empty:\r\nX-Greek: \u03B1", headers);
     const ReceivedRequest request = server.Requests().back();
     EXPECT_EQ(request.Header("User-Agent"), plain ? "" : "Zentavo");
-    EXPECT_THAT(request.headers, HasSubstr("X-Empty:"));
+    EXPECT_NE(request.headers.find("X-Empty:"), std::string::npos);
     EXPECT_EQ(request.Header("Host"), "127.0.0.1:" + std::to_string(server.Port()));
     for (const char* name : {"Accept", "Expect", "Content-Type", "Referer"}) {
       EXPECT_EQ(request.Header(name), "") << name;
@@ -84,7 +82,7 @@ TEST(HttpConnection, StatusDecidesSuccess) {
     EXPECT_EQ(connection->Request(path, nullptr, &output, {}, headers), row.success);
     EXPECT_EQ(connection->LastStatus(), row.code);
     EXPECT_EQ(BytesOf(output), row.body);
-    EXPECT_THAT(ToUtf8(headers), HasSubstr("\r\nX: 1\r\n"));
+    EXPECT_NE(headers.find(u"\r\nX: 1\r\n"), String::npos);
     TMemoryStream any_body;
     connection->Request(path, nullptr, &output, {}, headers, {}, &any_body);
     EXPECT_EQ(BytesOf(any_body), row.code == 204 ? "" : "body");
@@ -117,6 +115,7 @@ TEST(HttpConnection, KeepsItsConnectionAlive) {
 }
 
 TEST(HttpConnection, ConnectsAnewWhenTheKeptOneHasGone) {
+  if (kOnWindows) GTEST_SKIP() << "Wine's service does not repeat what met a closed connection";
   HttpServer server([](HttpServer& self, HttpPeer& peer) {
     if (const auto request = peer.Read()) {
       self.Record(*request);
@@ -198,8 +197,10 @@ TEST(HttpConnection, NotificationsReachTheObject) {
   constexpr std::uint32_t kSentAndReceived = 0x20 | 0x80;
   connection.EnableCallbacks(kSentAndReceived);
   Get(connection, path);
-  EXPECT_THAT(connection.heard,
-              ::testing::AllOf(Contains(0x20u), Contains(0x80u), Not(Contains(0x10u))));
+  const auto heard = [&](std::uint32_t status) {
+    return std::count(connection.heard.begin(), connection.heard.end(), status) != 0;
+  };
+  EXPECT_TRUE(heard(0x20) && heard(0x80) && !heard(0x10));
 }
 
 TEST(HttpConnection, DerivedClassReadsTheBody) {

@@ -1,7 +1,7 @@
 // What servers, names and certificates that are broken end in: an error code within the time-out.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <chrono>
+#include <algorithm>
 
 #include "tests/http/http_asks.h"
 #include "tests/support/http_server.h"
@@ -11,9 +11,6 @@ namespace zentavo {
 namespace {
 
 using namespace testing;  // the servers
-using ::testing::AnyOf;
-using ::testing::AnyOfArray;
-using ::testing::StartsWith;
 
 std::string Error(int code) {
   return "[WinHTTP]: Error " + std::to_string(code);
@@ -37,8 +34,8 @@ TEST(HttpFailure, OfCertificates) {
     EXPECT_EQ(Get(front->Url(server.Port(), kind)), Error(12175)) << kind;
   }
   // Wine's service does not tell this one apart.
-  EXPECT_THAT(Get(front->Url(server.Port(), "client-certificate")),
-              AnyOf(Error(12044), kOnWindows ? Error(12175) : Error(12044)));
+  const std::string refused = Get(front->Url(server.Port(), "client-certificate"));
+  EXPECT_TRUE(refused == Error(12044) || (kOnWindows && refused == Error(12175))) << refused;
   EXPECT_EQ(server.Requests().size(), 1u);
 }
 
@@ -121,7 +118,8 @@ TEST(HttpFailure, OfTheAnswersForm) {
     HttpServer server(Once(row.bytes));
     std::vector<std::string> right = row.outcomes;
     if (kOnWindows) right.insert(right.end(), row.on_windows.begin(), row.on_windows.end());
-    EXPECT_THAT(Get(server.Url(), 3000), AnyOfArray(right)) << row.bytes;
+    const std::string outcome = Get(server.Url(), 3000);
+    EXPECT_NE(std::count(right.begin(), right.end(), outcome), 0) << row.bytes << outcome;
   }
 }
 
@@ -140,7 +138,7 @@ TEST(HttpFailure, OfHeadersWithoutEnd) {
     while (peer.Send(std::string(10000, 'x'))) {
     }
   });
-  EXPECT_THAT(Get(one_line.Url()), StartsWith("[WinHTTP]: Error 12"));
+  EXPECT_TRUE(Get(one_line.Url()).starts_with("[WinHTTP]: Error 12"));
 }
 
 // An answer cut at each of its bytes, by an end and by a reset.

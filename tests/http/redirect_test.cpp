@@ -1,4 +1,4 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "tests/support/http_server.h"
 #include "tests/support/tls_front.h"
@@ -9,8 +9,6 @@ namespace zentavo {
 namespace {
 
 using namespace testing;  // the servers
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 std::string Redirect(std::string_view status, std::u16string_view location) {
   return Response("moved", "Location: " + ToUtf8(location) + "\r\n", status);
@@ -84,7 +82,7 @@ TEST(HttpRedirect, SecretsStayWithTheServer) {
   EXPECT_EQ(Ask(first.Url(u"/start"), u"GET", {}, headers).body, "end");
   EXPECT_EQ(first.Requests().front().Header("Authorization"), "secret");
   const ReceivedRequest second = other.Requests().front();
-  EXPECT_THAT(second.headers, Not(HasSubstr("secret")));
+  EXPECT_EQ(second.headers.find("secret"), std::string::npos);
   EXPECT_EQ(second.Header("X-Kept"), "1");
 
   HttpServer same(RedirectingTo("302 Found", u"/end"));

@@ -1,6 +1,6 @@
 #include "zentavo/http/request.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "tests/http/http_asks.h"
 #include "tests/support/http_server.h"
@@ -11,7 +11,6 @@ namespace zentavo {
 namespace {
 
 using namespace testing;  // the servers
-using ::testing::HasSubstr;
 
 TEST(HttpRequest, TextGoesAsJsonUnlessTheCallerSaysOtherwise) {
   HttpServer server(Always(Response("{}")));

@@ -1,6 +1,6 @@
 #include "zentavo/http/url.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "zentavo/foundation/errors.h"
 

@@ -71,7 +71,7 @@ class HttpPeer {
     std::optional<ReceivedRequest> request = ReadHead();
     if (!request) return std::nullopt;
     const std::string length = request->Header("Content-Length");
-    const std::size_t size = length.empty() ? 0 : std::stoull(length);
+    const std::size_t size = length.empty() ? 0 : static_cast<std::size_t>(std::stoull(length));
     while (pending_.size() < size) {
       if (!Fill()) return std::nullopt;
     }

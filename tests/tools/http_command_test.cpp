@@ -1,4 +1,4 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "tests/support/http_server.h"
 #include "tests/support/temporary_folder.h"
@@ -8,8 +8,6 @@
 
 namespace zentavo::testing {
 namespace {
-
-using ::testing::HasSubstr;
 
 TEST(HttpCommand, PrintsTheBody) {
   HttpServer server(Answering([](const ReceivedRequest& request) {
