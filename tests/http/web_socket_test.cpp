@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/environment.h"
 #include "tests/support/latch.h"
+#include "tests/support/tls_front.h"
 #include "tests/support/web_socket_server.h"
 #include "tests/support/wine.h"
 #include "zentavo/foundation/errors.h"
@@ -451,6 +453,66 @@ TEST(WebSocket, SystemWithoutTheFunctionsIsRefused) {
   EXPECT_FALSE(channel.Open(u"ws://127.0.0.1:1/"));
   EXPECT_EQ(channel.LastError(), 120u);
   EXPECT_TRUE(platform::LookUpWebSocketFunctions(u"winhttp.dll"));
+}
+
+void ServeEcho(WebSocketPeer& peer) {
+  if (peer.ShakeHands()) peer.AnswerUntilClosed(true);
+}
+
+TEST(WebSocket, SpeaksTlsToServersItCanTrust) {
+  TlsFront* const front = TlsFront::Find();
+  if (front == nullptr) GTEST_SKIP() << "tls_front is missing";
+  WebSocketServer server(ServeEcho);
+  TWebSocketConnection channel;
+  const auto open = [&](const char* kind) {
+    const String url = front->Url(server.Port(), kind);
+    return channel.Open(u"wss" + url.substr(url.find(u':')));
+  };
+  ASSERT_TRUE(open("good")) << channel.LastError();
+  TMemoryStream answer;
+  for (const std::size_t size : {1, 4000, 1 << 20}) {
+    const std::string message(size, 'x');
+    ASSERT_TRUE(channel.SendMsg(message) && channel.ReceiveMsg(answer)) << channel.LastError();
+    EXPECT_TRUE(TextOf(answer) == message) << size;
+  }
+  channel.Close();
+  EXPECT_EQ(channel.LastError(), 0u);
+  for (const char* kind : {"expired", "other-host", "stranger", "old"}) {
+    EXPECT_FALSE(open(kind));
+    EXPECT_EQ(channel.LastError(), 12175u) << kind;
+  }
+  EXPECT_FALSE(open("client-certificate"));
+  // Wine's service does not tell this one apart.
+  EXPECT_EQ(channel.LastError(), RunsUnderWine() ? 12175u : 12044u);
+}
+
+TEST(WebSocket, TimeOutsHoldOverTls) {
+  TlsFront* const front = TlsFront::Find();
+  if (front == nullptr) GTEST_SKIP() << "tls_front is missing";
+  WebSocketServer server([](WebSocketPeer& peer) {
+    if (peer.ShakeHands()) peer.Drain();
+  });
+  TWebSocketConnection channel;
+  channel.SetTimeouts(kHaste, kPatience);
+  ASSERT_TRUE(channel.Open(front->Url(server.Port()))) << channel.LastError();
+  EXPECT_EQ(Received(channel), "error 12002");
+}
+
+TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
+  if (kOnWindows) GTEST_SKIP() << "The proxy is the system's there.";
+  std::string asked;
+  WebSocketServer proxy([&](WebSocketPeer& peer) {
+    asked = peer.ReadRequest();
+    peer.Send("HTTP/1.1 200 Established\r\n\r\n");
+    ServeEcho(peer);
+  });
+  const EnvironmentVariable setting("http_proxy", "http://127.0.0.1:" + std::to_string(proxy.Port()));
+  TWebSocketConnection channel;
+  ASSERT_TRUE(channel.Open(u"ws://far.invalid/")) << channel.LastError();
+  EXPECT_TRUE(asked.starts_with("CONNECT far.invalid:80 HTTP/1.1\r\n")) << asked;
+  TMemoryStream answer;
+  EXPECT_TRUE(channel.SendMsg(AnsiString("through")) && channel.ReceiveMsg(answer));
+  EXPECT_EQ(TextOf(answer), "through");
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include <cstring>
 #include <utility>
 
+#include "zentavo/platform/linux/http_errors.h"
+
 namespace zentavo::platform {
 
 namespace {
@@ -71,7 +73,7 @@ WebSocketLink::WebSocketLink(const HttpConnection::State& connection)
     : origin_(connection.origin),
       secure_(connection.endpoint.secure),
       timeouts_(connection.session->Timeouts()),
-      easy_(curl_easy_init()) {}
+      easy_(NewEasy(connection)) {}
 
 WebSocketLink::~WebSocketLink() = default;
 
@@ -129,13 +131,18 @@ std::size_t WebSocketLink::WritePlain(std::span<const iovec> pieces, SystemError
   return Transferred([&] { return sendmsg(socket_, &message, MSG_NOSIGNAL); }, error);
 }
 
+// CURLE_OK is the end of the connection.
+SystemError WebSocketLink::Broken(CURLcode code) const {
+  return code == CURLE_OK ? kHttpConnectionError : HttpErrorOf(code, error_text_.data());
+}
+
 std::size_t WebSocketLink::ReadByCurl(void* buffer, std::size_t size, SystemError& error) const {
   error = 0;
   while (error == 0) {
     std::size_t count = 0;
     const CURLcode code = curl_easy_recv(easy_.get(), buffer, size, &count);
     if (code == CURLE_OK && count > 0) return count;
-    error = code == CURLE_AGAIN ? WaitFor(POLLIN, read_deadline_) : kHttpConnectionError;
+    error = code == CURLE_AGAIN ? WaitFor(POLLIN, read_deadline_) : Broken(code);
   }
   return 0;
 }
@@ -150,8 +157,8 @@ std::size_t WebSocketLink::WriteByCurl(std::span<const iovec> pieces, SystemErro
     std::size_t count = 0;
     const CURLcode code = curl_easy_send(easy_.get(), next.iov_base, next.iov_len, &count);
     if (code == CURLE_OK && count > 0) return count;
-    error = code == CURLE_OK || code == CURLE_AGAIN ? WaitFor(POLLOUT, After(timeouts_.send_ms))
-                                                    : kHttpConnectionError;
+    const bool is_full = code == CURLE_OK || code == CURLE_AGAIN;
+    error = is_full ? WaitFor(POLLOUT, After(timeouts_.send_ms)) : Broken(code);
   }
   return 0;
 }

@@ -4,11 +4,12 @@
 
 #include <sys/uio.h>
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <span>
 
-#include "zentavo/platform/linux/http_state.h"
+#include "zentavo/platform/linux/http_request.h"
 
 namespace zentavo::platform {
 
@@ -41,6 +42,7 @@ class WebSocketLink {
  private:
   void TakeSocketOver();
   SystemError WaitFor(short events, Clock::time_point deadline) const;
+  SystemError Broken(CURLcode code) const;
   std::size_t ReadPlain(void* buffer, std::size_t size, SystemError& error);
   std::size_t WritePlain(std::span<const iovec> pieces, SystemError& error) const;
   std::size_t ReadByCurl(void* buffer, std::size_t size, SystemError& error) const;
@@ -49,7 +51,8 @@ class WebSocketLink {
   const std::string origin_;
   const bool secure_;
   const HttpTimeouts timeouts_;
-  CurlEasy easy_;
+  CurlEasy easy_;  // writes its errors' text below
+  std::array<char, CURL_ERROR_SIZE> error_text_{};
   int socket_ = -1;
   bool plain_ = false;  // nothing stands between us and the socket, which then blocks
   Clock::time_point read_deadline_;
