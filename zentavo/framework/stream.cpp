@@ -131,7 +131,11 @@ void TMemoryStream::Freer::operator()(std::byte* memory) const noexcept {
 }
 
 void TMemoryStream::Reallocate(std::size_t capacity) {
-  if (capacity == 0) return Clear();
+  if (capacity == 0) {
+    data_.reset();
+    capacity_ = 0;
+    return;
+  }
   auto* const grown = static_cast<std::byte*>(std::realloc(data_.get(), capacity));
   if (grown == nullptr) throw std::bad_alloc();
   static_cast<void>(data_.release());  // realloc took it
