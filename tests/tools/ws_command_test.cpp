@@ -27,7 +27,7 @@ TEST(WsCommand, PrintsTheAnswers) {
       {echo, {}, 0, ""},
       {echo, {"-m", "one", "-m", "", "-m", "\xCE\xB1\n"}, 0, "one\n\n\xCE\xB1\n"},
       {close, {"-m", "one"}, 1, "zentavo: The server closed with status 1001: bye\n"},
-      {silence, {"-m", "one", "--timeout", "200"}, 1, "zentavo: [WinHTTP]: Error 12002\n"},
+      {silence, {"-m", "one", "--timeout", "1000"}, 1, "zentavo: [WinHTTP]: Error 12002\n"},
   };
   for (const Row& row : rows) {
     WebSocketServer server([&row](WebSocketPeer& peer) {

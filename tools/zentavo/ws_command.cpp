@@ -63,7 +63,8 @@ void AddWsCommand(CLI::App& program) {
       *program.add_subcommand("ws", "Send messages over a WebSocket and print the answers");
   command.add_option("URL", options->url, "The server, such as wss://example.org/path")->required();
   AddRepeated(command, "-m,--message", options->messages, "Send this text and wait for an answer");
-  command.add_option("--timeout", options->timeout_ms, "Milliseconds to wait for an answer; 0: any")
+  command
+      .add_option("--timeout", options->timeout_ms, "Milliseconds to wait for an answer; 0: any")
       ->check(CLI::Range(0, 0x7FFFFFFF));
   command.callback([options] { RunWs(*options); });
 }
