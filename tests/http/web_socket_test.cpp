@@ -517,5 +517,32 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
   EXPECT_EQ(TextOf(answer), "through");
 }
 
+TEST(WebSocket, CookiesOfRequestsAreSentAlong) {
+  std::vector<std::string> cookies;
+  WebSocketServer server([&](WebSocketPeer& peer) {
+    const std::string request = peer.ReadRequest();
+    if (request.starts_with("GET /login")) {
+      peer.Send(
+          "HTTP/1.1 200 OK\r\nSet-Cookie: user=7; Path=/; HttpOnly\r\nSet-Cookie: deep=1; "
+          "Path=/chat\r\nSet-Cookie: tls=1; Path=/; Secure\r\nConnection: close\r\n"
+          "Content-Length: 0\r\n\r\n");
+    } else {
+      cookies.push_back(HeaderOf(request, "Cookie"));
+    }
+  });
+  String path;
+  THTTPConnection connection(true);
+  connection.OpenConnectionFromUrl(server.Url(u"/login"), path);
+  TMemoryStream body;
+  String headers;
+  ASSERT_TRUE(connection.Request(path, nullptr, &body, {}, headers));
+  connection.InitWebSocket(u"/chatter");
+  connection.InitWebSocket(u"/chat/room?x=1");
+  server.Stop();
+  ASSERT_EQ(cookies.size(), 2u);
+  EXPECT_EQ(cookies[0], "user=7");
+  EXPECT_TRUE(cookies[1] == "user=7; deep=1" || cookies[1] == "deep=1; user=7") << cookies[1];
+}
+
 }  // namespace
 }  // namespace zentavo::testing

@@ -129,7 +129,7 @@ struct WebSocket::State {
 
   WebSocketLink& Link() { return channel.next_layer().Link(); }
   SystemError ErrorOf(const error_code& ec);
-  void SetOptions();
+  void SetOptions(const std::string& cookies);
   SystemError ShakeHands(const HttpConnection::State& connection, const std::string& path,
                          std::uint32_t& answer);
   void TakePeerClose();
@@ -145,20 +145,21 @@ SystemError WebSocket::State::ErrorOf(const error_code& ec) {
   return ec == asio::error::operation_aborted ? kWebSocketClosed : kHttpInvalidResponse;
 }
 
-void WebSocket::State::SetOptions() {
+void WebSocket::State::SetOptions(const std::string& cookies) {
   channel.auto_fragment(false);
   channel.write_buffer_bytes(kWriteBuffer);
   channel.binary(true);
   channel.read_message_max(0);
-  channel.set_option(ws::stream_base::decorator([this](ws::request_type& request) {
+  channel.set_option(ws::stream_base::decorator([this, cookies](ws::request_type& request) {
     request.erase(beast::http::field::user_agent);
     if (!user_agent.empty()) request.set(beast::http::field::user_agent, user_agent);
+    if (!cookies.empty()) request.set(beast::http::field::cookie, cookies);
   }));
 }
 
 SystemError WebSocket::State::ShakeHands(const HttpConnection::State& connection,
                                          const std::string& path, std::uint32_t& answer) {
-  SetOptions();
+  SetOptions(Link().Cookies(path));
   Link().StartReading(Link().Timeouts().receive_ms);
   const std::string host = connection.origin.substr(connection.origin.find("//") + 2);
   error_code ec;

@@ -11,7 +11,9 @@
 #include <cstring>
 #include <utility>
 
+#include "zentavo/platform/linux/cookie_header.h"
 #include "zentavo/platform/linux/http_errors.h"
+#include "zentavo/platform/linux/path_bytes.h"
 
 namespace zentavo::platform {
 
@@ -30,6 +32,13 @@ int MillisecondsUntil(Clock::time_point deadline) {
   if (deadline == Clock::time_point::min()) return 0;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
   return static_cast<int>(std::clamp<std::int64_t>(left, 0, 0x7FFFFFFF));
+}
+
+std::string LowerCase(std::string text) {
+  for (char& byte : text) {
+    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
+  }
+  return text;
 }
 
 bool SetBlocking(int socket) {
@@ -71,11 +80,16 @@ iovec Joined(std::span<const iovec> pieces, std::span<char> buffer) {
 
 WebSocketLink::WebSocketLink(const HttpConnection::State& connection)
     : origin_(connection.origin),
+      host_(LowerCase(PathBytes(connection.endpoint.host))),
       secure_(connection.endpoint.secure),
       timeouts_(connection.session->Timeouts()),
       easy_(NewEasy(connection)) {}
 
 WebSocketLink::~WebSocketLink() = default;
+
+std::string WebSocketLink::Cookies(std::string_view path) const {
+  return CookieHeader(easy_.get(), host_, path, secure_);
+}
 
 void WebSocketLink::StartReading(std::int32_t timeout_ms) {
   read_deadline_ = After(timeout_ms);

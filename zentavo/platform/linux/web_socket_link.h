@@ -25,6 +25,9 @@ class WebSocketLink {
   // Connects, through the proxy if there is one, and shakes hands for TLS.
   SystemError Connect();
 
+  // The value of the Cookie header for `path`, empty without cookies.
+  std::string Cookies(std::string_view path) const;
+
   // Reading ends `timeout_ms` from now at the latest; 0 and below: never.
   void StartReading(std::int32_t timeout_ms);
   // Reading ends when nothing is there.
@@ -49,6 +52,7 @@ class WebSocketLink {
   std::size_t WriteByCurl(std::span<const iovec> pieces, SystemError& error) const;
 
   const std::string origin_;
+  const std::string host_;  // as cookies name it, in lower case
   const bool secure_;
   const HttpTimeouts timeouts_;
   CurlEasy easy_;  // writes its errors' text below
