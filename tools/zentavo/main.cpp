@@ -27,7 +27,6 @@ constexpr void (*kCommands[])(CLI::App&) = {
     zentavo::tool::AddTextCommand,    zentavo::tool::AddAccessCommand,
     zentavo::tool::AddHttpCommand,    zentavo::tool::AddHtmlCommand,
     zentavo::tool::AddSettingCommand, zentavo::tool::AddEventCommand,
-    zentavo::tool::AddHttpCommand,
     zentavo::tool::AddWsCommand,
 #ifdef ZENTAVO_SQL
     zentavo::tool::AddDataCommand,
