@@ -6,6 +6,7 @@
 #include "zentavo/foundation/helper_unit.h"
 #include "zentavo/foundation/package.h"
 #include "zentavo/http/session.h"
+#include "zentavo/http/web_socket_connection.h"
 #include "zentavo/threads_memory/timer.h"
 
 namespace zentavo {
@@ -32,7 +33,7 @@ constinit PackageUnit units[] = {
     {"FGeneticAlgorithm", nullptr, nullptr},
     {"ScoringAlgorithm", nullptr, nullptr},
     {"XTimers", nullptr, FinalizeTimers},
-    {"XWinHTTP", nullptr, FinalizeHttp},
+    {"XWinHTTP", InitializeWebSockets, FinalizeHttp},
 };
 
 }  // namespace

@@ -129,6 +129,28 @@ TEST(TStream, CopyFromTakesAllOrACount) {
   EXPECT_EQ(ReadRest(target), "aenden");
 }
 
+TEST(TMemoryStream, CapacityIsFilledFromOutside) {
+  TMemoryStream stream;
+  Write(stream, "abc");
+  stream.SetCapacity(8);
+  EXPECT_EQ(stream.Capacity(), 8);
+  stream.Memory()[3] = std::byte{'d'};
+  stream.SetSizeWritten(4);
+  stream.SetPosition(0);
+  EXPECT_EQ(ReadRest(stream), "abcd");
+  stream.SetCapacity(1);
+  EXPECT_EQ(stream.Capacity(), 4);
+  stream.SetSizeWritten(9);
+  EXPECT_EQ(stream.Size(), 4);
+  stream.SetSizeWritten(1);
+  stream.SetSize(3);
+  stream.SetPosition(0);
+  EXPECT_EQ(ReadRest(stream), std::string("a\0\0", 3));
+  stream.Clear();
+  stream.SetCapacity(0);
+  EXPECT_EQ(stream.Capacity(), 0);
+}
+
 TEST(TMemoryStream, GoesThroughFiles) {
   const TemporaryFolder folder;
   TMemoryStream stream;

@@ -75,5 +75,6 @@ void AddOptimiseCommand(CLI::App& program);
 void AddSettingCommand(CLI::App& program);
 void AddSqlCommand(CLI::App& program);
 void AddTextCommand(CLI::App& program);
+void AddWsCommand(CLI::App& program);
 
 }  // namespace zentavo::tool

@@ -27,6 +27,7 @@ constexpr void (*kCommands[])(CLI::App&) = {
     zentavo::tool::AddTextCommand,    zentavo::tool::AddAccessCommand,
     zentavo::tool::AddHttpCommand,    zentavo::tool::AddHtmlCommand,
     zentavo::tool::AddSettingCommand, zentavo::tool::AddEventCommand,
+    zentavo::tool::AddWsCommand,
 #ifdef ZENTAVO_SQL
     zentavo::tool::AddDataCommand,
 #endif

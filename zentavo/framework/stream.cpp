@@ -1,9 +1,12 @@
 #include "zentavo/framework/stream.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <utility>
+#include <vector>
 
 #include "zentavo/framework/exception.h"
 #include "zentavo/platform/system_error.h"
@@ -120,10 +123,40 @@ std::int64_t TStream::CopyFrom(TStream& source, std::int64_t count) {
   return count;
 }
 
+TMemoryStream::TMemoryStream() = default;
+TMemoryStream::~TMemoryStream() = default;
+
+void TMemoryStream::Freer::operator()(std::byte* memory) const noexcept {
+  std::free(memory);
+}
+
+void TMemoryStream::Reallocate(std::size_t capacity) {
+  if (capacity == 0) {
+    data_.reset();
+    capacity_ = 0;
+    return;
+  }
+  auto* const grown = static_cast<std::byte*>(std::realloc(data_.get(), capacity));
+  if (grown == nullptr) throw std::bad_alloc();
+  static_cast<void>(data_.release());  // realloc took it
+  data_.reset(grown);
+  capacity_ = capacity;
+}
+
+void TMemoryStream::SetCapacity(std::int64_t capacity) {
+  const auto wanted = static_cast<std::size_t>(std::max<std::int64_t>(capacity, 0));
+  Reallocate(std::max(wanted, size_));
+}
+
+void TMemoryStream::SetSizeWritten(std::int64_t size) {
+  size_ = std::min(static_cast<std::size_t>(std::max<std::int64_t>(size, 0)), capacity_);
+  position_ = std::min(position_, Size());
+}
+
 std::int64_t TMemoryStream::Read(void* buffer, std::int64_t count) {
   const std::int64_t done = std::min(count, Size() - position_);
   if (done <= 0) return 0;
-  std::memcpy(buffer, data_.data() + position_, static_cast<std::size_t>(done));
+  std::memcpy(buffer, data_.get() + position_, static_cast<std::size_t>(done));
   position_ += done;
   return done;
 }
@@ -131,8 +164,8 @@ std::int64_t TMemoryStream::Read(void* buffer, std::int64_t count) {
 std::int64_t TMemoryStream::Write(const void* buffer, std::int64_t count) {
   if (count <= 0) return 0;
   const std::int64_t end = Moved(position_, count);
-  if (end > Size()) data_.resize(static_cast<std::size_t>(end));
-  std::memcpy(data_.data() + position_, buffer, static_cast<std::size_t>(count));
+  if (end > Size()) Extend(static_cast<std::size_t>(end));
+  std::memcpy(data_.get() + position_, buffer, static_cast<std::size_t>(count));
   position_ = end;
   return count;
 }
@@ -146,26 +179,41 @@ std::int64_t TMemoryStream::Seek(std::int64_t offset, TSeekOrigin origin) {
   return position_;
 }
 
+// Half as much again at least, so that many small writes stay cheap.
+void TMemoryStream::Extend(std::size_t size) {
+  if (size > capacity_) Reallocate(std::max(size, capacity_ + capacity_ / 2));
+  std::memset(data_.get() + size_, 0, size - size_);
+  size_ = size;
+}
+
 void TMemoryStream::SetSize(std::int64_t size) {
-  data_.resize(static_cast<std::size_t>(std::max<std::int64_t>(size, 0)));
+  const auto wanted = static_cast<std::size_t>(std::max<std::int64_t>(size, 0));
+  if (wanted > size_) Extend(wanted);
+  size_ = wanted;
   position_ = std::min(position_, Size());
 }
 
 void TMemoryStream::Clear() {
-  std::vector<std::byte>().swap(data_);
+  data_.reset();
+  size_ = capacity_ = 0;
   position_ = 0;
 }
 
 void TMemoryStream::LoadFromStream(TStream& source) {
   source.SetPosition(0);
-  std::vector<std::byte> data(static_cast<std::size_t>(source.Size()));
-  source.ReadBuffer(data.data(), static_cast<std::int64_t>(data.size()));
-  data_ = std::move(data);
+  const std::int64_t size = source.Size();
+  TMemoryStream loaded;
+  loaded.SetCapacity(size);
+  source.ReadBuffer(loaded.Memory(), size);
+  loaded.SetSizeWritten(size);
+  std::swap(data_, loaded.data_);
+  std::swap(size_, loaded.size_);
+  std::swap(capacity_, loaded.capacity_);
   position_ = 0;
 }
 
 void TMemoryStream::SaveToStream(TStream& target) const {
-  target.WriteBuffer(data_.data(), static_cast<std::int64_t>(data_.size()));
+  target.WriteBuffer(data_.get(), static_cast<std::int64_t>(size_));
 }
 
 void TMemoryStream::LoadFromFile(StringView file_name) {

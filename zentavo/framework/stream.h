@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
-#include <vector>
 
 #include "zentavo/framework/object.h"
 #include "zentavo/framework/text.h"
@@ -47,17 +47,25 @@ class ZENTAVO_API TStream : public TObject {
 // A stream in memory that grows as it is written.
 class ZENTAVO_API TMemoryStream : public TStream {
  public:
+  TMemoryStream();
+  ~TMemoryStream() override;
+
   std::int64_t Read(void* buffer, std::int64_t count) override;
   std::int64_t Write(const void* buffer, std::int64_t count) override;
   std::int64_t Seek(std::int64_t offset, TSeekOrigin origin) override;
   void SetSize(std::int64_t size) override;
-  std::int64_t Size() override { return static_cast<std::int64_t>(data_.size()); }
+  std::int64_t Size() override { return static_cast<std::int64_t>(size_); }
 
   // The whole content; valid until the stream is written or resized.
-  std::byte* Memory() { return data_.data(); }
-  const std::byte* Memory() const { return data_.data(); }
-  std::span<const std::byte> Bytes() const { return data_; }
-  std::int64_t Capacity() const { return static_cast<std::int64_t>(data_.capacity()); }
+  std::byte* Memory() { return data_.get(); }
+  const std::byte* Memory() const { return data_.get(); }
+  std::span<const std::byte> Bytes() const { return {data_.get(), size_}; }
+  // The bytes that are allocated at Memory; those behind the size have no meaning until they are
+  // written to and counted by SetSizeWritten. A capacity below the size counts as the size.
+  std::int64_t Capacity() const { return static_cast<std::int64_t>(capacity_); }
+  void SetCapacity(std::int64_t capacity);
+  // The size becomes `size`, at most the capacity, and the content what Memory holds.
+  void SetSizeWritten(std::int64_t size);
   void Clear();
   void LoadFromStream(TStream& source);  // all of `source`, from its start; position 0 afterwards
   void SaveToStream(TStream& target) const;
@@ -65,7 +73,16 @@ class ZENTAVO_API TMemoryStream : public TStream {
   void SaveToFile(StringView file_name) const;
 
  private:
-  std::vector<std::byte> data_;
+  struct Freer {
+    void operator()(std::byte* memory) const noexcept;
+  };
+
+  void Reallocate(std::size_t capacity);
+  void Extend(std::size_t size);  // with zeros
+
+  std::unique_ptr<std::byte[], Freer> data_;  // by the C library, which may grow it in place
+  std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
   std::int64_t position_ = 0;
 };
 

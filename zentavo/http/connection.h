@@ -24,6 +24,9 @@ namespace zentavo {
 // Raises the EZentavoExtError of a failed exchange.
 [[noreturn]] ZENTAVO_API void RaiseHttpError(std::uint32_t code);
 
+// The longest WebSocket message, in bytes, unless SetMaxSocketMsg says otherwise.
+inline constexpr std::int64_t kMaxSocketMsg = 64 * 1024 * 1024;
+
 class ZENTAVO_API THTTPConnection : public TObject {
  public:
   // On the process's shared session (agent "Zentavo", gzip and deflate decoded) unless
@@ -81,17 +84,33 @@ class ZENTAVO_API THTTPConnection : public TObject {
   // Closes the handle; does nothing with a null one.
   static void CloseHandle(THTTPHandle& AHandle);
 
-  // --- WebSocket ---
-  // Errors are recorded in LastError, nothing is raised.
-  // Upgrades a request for `path`; see WebSocketOpen for the outcome.
+  // WebSocket. Nothing is raised: the operations return whether they succeeded and record the
+  // system's error code in LastError, 6 without a WebSocket. After an error the channel is over,
+  // and further calls fail with 4317.
+
+  // Upgrades a request for `path`; an open WebSocket is closed before. On failure there is no
+  // WebSocket; LastStatus is the status of the answer, 0 without one.
   void InitWebSocket(StringView path);
   bool WebSocketOpen() const { return FWebSocket != nullptr; }
-  void SendSocketMsg(const void* buffer, std::size_t size);
-  void SendSocketMsg(const AnsiString& Text);
-  void SendSocketMsg(const TMemoryStream& Stream);
-  void ReceiveSocketMsg(TMemoryStream& Stream);
+  // Each sends one binary message.
+  bool SendSocketMsg(const void* buffer, std::size_t size);
+  bool SendSocketMsg(const AnsiString& Text);
+  bool SendSocketMsg(const TMemoryStream& Stream);
+  // Replaces the stream's content by one whole message, binary or text, whatever its fragments; the
+  // capacity grows as it takes, by whole multiples of 512 bytes. Returns false with LastError 0
+  // when the peer closed, see SocketCloseStatus. After an error the stream holds what arrived.
+  bool ReceiveSocketMsg(TMemoryStream& Stream);
+  // Receives exactly `size` bytes, over as many messages as it takes. The rest of a message stays
+  // for the next call.
   bool ReceiveSocketBytes(void* buffer, std::size_t size);
+  // Closes with status 1000 and waits for the peer's answer; does nothing without a WebSocket.
   void CloseWebSocket();
+  // The peer's close frame: its status, 0 before there was one and 1005 when it had none, and its
+  // reason. They stay until the next InitWebSocket.
+  std::uint16_t SocketCloseStatus() const { return FSocketClose.status; }
+  String SocketCloseReason() const { return FromUtf8(FSocketClose.reason); }
+  // A message of more than so many bytes fails with 12184.
+  void SetMaxSocketMsg(std::int64_t Bytes);
 
   bool IsSessionOwned() const { return FIsSessionOwned; }
 
@@ -126,6 +145,8 @@ class ZENTAVO_API THTTPConnection : public TObject {
   std::uint16_t FPort = 0;  // of FConnection
   std::int64_t FMaxTextSize = std::int64_t{64} << 20;
   std::int64_t FMaxDecodedSize = std::int64_t{1} << 30;
+  platform::WebSocketClose FSocketClose;
+  std::int64_t FMaxSocketMsg = kMaxSocketMsg;
 };
 
 // A connection on the shared session to the server of `Url`; `path` is what to ask it for. Raises

@@ -24,31 +24,6 @@ long Endless(std::int32_t milliseconds) {
   return milliseconds > 0 ? milliseconds : std::numeric_limits<std::int32_t>::max();
 }
 
-// What is the same for all requests of a connection.
-CurlEasy NewEasy(const HttpConnection::State& connection) {
-  CurlEasy easy(curl_easy_init());
-  if (!easy) return easy;
-  const HttpSession::State& session = *connection.session;
-  const auto set = [&](auto option, auto value) { curl_easy_setopt(easy.get(), option, value); };
-  set(CURLOPT_NOSIGNAL, 1L);
-  set(CURLOPT_NOPROGRESS, 1L);
-  set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  set(CURLOPT_PATH_AS_IS, 1L);
-  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-  set(CURLOPT_QUICK_EXIT, 1L);  // a slow name server does not hold up a time-out
-  set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
-  set(CURLOPT_SHARE, session.cookies.get());
-  set(CURLOPT_COOKIEFILE, "");
-  if (!session.user_agent.empty()) set(CURLOPT_USERAGENT, session.user_agent.c_str());
-  if (session.decode) set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
-  const CertificateStore store = TrustedCertificates();
-  if (store.file != nullptr) set(CURLOPT_CAINFO, store.file);
-  if (store.folder != nullptr) set(CURLOPT_CAPATH, store.folder);
-  return easy;
-}
-
 // Adds `line`; false without memory.
 bool Append(CurlList& list, const std::string& line) {
   curl_slist* const extended = curl_slist_append(list.get(), line.c_str());
@@ -112,6 +87,30 @@ bool IsFinal(std::string_view status_line) {
 }
 
 }  // namespace
+
+CurlEasy NewEasy(const HttpConnection::State& connection) {
+  CurlEasy easy(curl_easy_init());
+  if (!easy) return easy;
+  const HttpSession::State& session = *connection.session;
+  const auto set = [&](auto option, auto value) { curl_easy_setopt(easy.get(), option, value); };
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_NOPROGRESS, 1L);
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_PATH_AS_IS, 1L);
+  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  set(CURLOPT_QUICK_EXIT, 1L);  // a slow name server does not hold up a time-out
+  set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
+  set(CURLOPT_SHARE, session.cookies.get());
+  set(CURLOPT_COOKIEFILE, "");
+  if (!session.user_agent.empty()) set(CURLOPT_USERAGENT, session.user_agent.c_str());
+  if (session.decode) set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+  const CertificateStore store = TrustedCertificates();
+  if (store.file != nullptr) set(CURLOPT_CAINFO, store.file);
+  if (store.folder != nullptr) set(CURLOPT_CAPATH, store.folder);
+  return easy;
+}
 
 HttpBody::~HttpBody() = default;
 

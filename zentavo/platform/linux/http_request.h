@@ -15,6 +15,9 @@ struct CurlListCloser {
 };
 using CurlList = std::unique_ptr<curl_slist, CurlListCloser>;
 
+// A handle with what is the same for all exchanges of a connection; null without memory.
+CurlEasy NewEasy(const HttpConnection::State& connection);
+
 // Neither copied nor moved: libcurl holds its address.
 struct HttpRequest::State {
   State(std::shared_ptr<HttpConnection::State> connection, std::string path, std::string verb);
