@@ -64,8 +64,8 @@ TEST(SettingCommand, KeepsSettings) {
   const OwnUserSettings own;
   ExpectRuns({
       {{"setting", "get", "Tests\\Tool", "Missing"}, 0, "\n"},
-      {{"setting", "set", "Tests\\Tool", "Name", "-Αθήνα"}, 0, ""},
-      {{"setting", "get", "Tests\\Tool", "Name"}, 0, "-Αθήνα\n"},
+      {{"setting", "set", "Tests\\Tool", "Name", "Αθήνα"}, 0, ""},
+      {{"setting", "get", "Tests\\Tool", "Name"}, 0, "Αθήνα\n"},
   });
 }
 
