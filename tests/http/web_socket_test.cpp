@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -351,7 +352,7 @@ TEST(WebSocket, OperationsWithoutAChannelRecordErrors) {
 TEST(WebSocket, ResetAtEachByteIsAnError) {
   const std::string frames = Frame(kBinary, std::string(130, 'x')) + Frame(kPing, "") +
                              Frame(kText, "abc", 0) + Frame(kContinuation, "d") + CloseFrame(1000);
-  std::size_t sent = 0;
+  std::atomic<std::size_t> sent{0};
   WebSocketServer server([&](WebSocketPeer& peer) {
     const std::string key = AcceptKey(HeaderOf(peer.ReadRequest(), "Sec-WebSocket-Key"));
     const std::string all = SwitchingProtocols(key) + frames;
@@ -368,7 +369,7 @@ TEST(WebSocket, ResetAtEachByteIsAnError) {
     const bool ended = received.find("close 1000") != received.npos;
     const std::uint32_t error = channel.LastError();
     EXPECT_TRUE(error == 12030 || error == 12152 || (error == 0 && ended))
-        << sent << ": " << error << " " << received;
+        << sent.load() << ": " << error << " " << received;
   }
 }
 

@@ -162,12 +162,14 @@ void WebSocketPeer::Drain() {
 }
 
 void WebSocketPeer::Reset() {
+  const std::lock_guard lock(closing_);
   socket_.ResetAtClose();
   socket_.Close();
 }
 
 void WebSocketPeer::End() {
   ended_ = true;
+  const std::lock_guard lock(closing_);
   if (socket_.IsOpen()) socket_.Shutdown(kShutSend);
 }
 

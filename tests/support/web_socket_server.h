@@ -71,13 +71,14 @@ class WebSocketPeer {
   void Drain();
   // Sends a reset instead of an orderly end.
   void Reset();
-  // Ends sending and receiving.
+  // Ends sending and receiving; for other threads too.
   void End();
 
  private:
   bool WaitForBytes();
 
   Socket socket_;
+  std::mutex closing_;
   std::atomic<bool> ended_{false};
 };
 
