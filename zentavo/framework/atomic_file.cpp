@@ -28,10 +28,10 @@ String NameBeside(StringView target) {
   return ExtractFilePath(target) + u".zentavo-" + IntToHex(number, 16) + u".tmp";
 }
 
-// Tries again while another process may be in the way, for half a second in all.
+// Tries again while another process may be in the way, for two seconds in all.
 template <typename Step>
 platform::SystemError Patiently(Step step) {
-  constexpr int kTries = 50;
+  constexpr int kTries = 200;
   constexpr std::chrono::milliseconds kPause(10);
   platform::SystemError error = step();
   for (int i = 1; i < kTries && platform::MayPass(error); ++i) {

@@ -10,7 +10,7 @@
 // permissions and, where the system allows it, its owner pass to the new one; where the name is a
 // symbolic link, the file that it leads to is replaced. Several processes may save at once: one of
 // the contents stays. On Windows a file that another process has open, or replaces, is tried for
-// half a second before that is an error. A device or a pipe is written to as it is.
+// two seconds before that is an error. A device or a pipe is written to as it is.
 #pragma once
 
 #include <cstddef>
