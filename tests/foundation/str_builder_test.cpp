@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
+#include <string>
 #include <utility>
 
 #include "support/temporary_folder.h"
@@ -20,6 +22,14 @@ TEST(TStrBuilder, GrowsByAQuarterOrTheStep) {
   large.Add(u"y");
   EXPECT_EQ(large.Capacity(), 126);
   EXPECT_EQ(TStrBuilder().AddInteger(-12345678901).AddInteger(0).GetData(), u"-123456789010");
+  for (std::int64_t power = 1;; power *= 10) {
+    for (const std::int64_t value : {power - 1, power, -power, power + 7}) {
+      EXPECT_EQ(ToUtf8(TStrBuilder().AddInteger(value).View()), std::to_string(value));
+    }
+    if (power > std::numeric_limits<std::int64_t>::max() / 10) break;
+  }
+  EXPECT_EQ(TStrBuilder().AddInteger(std::numeric_limits<std::int64_t>::min()).View(),
+            u"-9223372036854775808");
 }
 
 TEST(TStrBuilder, AppendsInEveryForm) {

@@ -1,7 +1,7 @@
 #include "zentavo/foundation/str_builder.h"
 
 #include <algorithm>
-#include <charconv>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -18,6 +18,31 @@ namespace {
 
 constexpr std::int64_t kMaxCapacity = std::numeric_limits<std::int32_t>::max();
 constexpr StringView kLineBreak = u"\r\n";
+
+// "00" to "99", one behind the other.
+constexpr auto kDigitPairs = [] {
+  std::array<char16_t, 200> units{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    units[2 * i] = static_cast<char16_t>(u'0' + i / 10);
+    units[2 * i + 1] = static_cast<char16_t>(u'0' + i % 10);
+  }
+  return units;
+}();
+
+void WriteDigitsBefore(char16_t* end, std::uint64_t value) {
+  for (; value >= 10; value /= 100) {
+    end -= 2;
+    std::memcpy(end, &kDigitPairs[2 * (value % 100)], 2 * sizeof(char16_t));
+    if (value < 100) return;
+  }
+  *--end = static_cast<char16_t>(u'0' + value);
+}
+
+std::int32_t DigitCount(std::uint64_t value) {
+  std::int32_t count = 1;
+  for (; value >= 10000; value /= 10000) count += 4;
+  return count + (value >= 10) + (value >= 100) + (value >= 1000);
+}
 
 }  // namespace
 
@@ -75,12 +100,13 @@ TStrBuilder& TStrBuilder::AddPart(StringView S, std::int32_t Start, std::int32_t
 }
 
 TStrBuilder& TStrBuilder::AddInteger(std::int64_t Value) {
-  char digits[20];
-  const auto end = std::to_chars(std::begin(digits), std::end(digits), Value).ptr;
-  const auto count = static_cast<std::int32_t>(end - digits);
-  CheckLength(count);
-  std::copy(digits, end, FDataString.get() + FLength);
+  const auto bits = static_cast<std::uint64_t>(Value);
+  const std::uint64_t digits = Value < 0 ? 0 - bits : bits;
+  const std::int32_t count = DigitCount(digits) + (Value < 0 ? 1 : 0);
+  if (count > FCapacity - FLength) CheckLength(count);
+  if (Value < 0) FDataString[static_cast<std::size_t>(FLength)] = u'-';
   FLength += count;
+  WriteDigitsBefore(FDataString.get() + FLength, digits);
   return *this;
 }
 
