@@ -163,20 +163,39 @@ bool IsTrail(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// The top bit of each lane that is not 0; no lane is above 0x8000.
+Lanes NotZero(Lanes lanes) {
+  return (lanes + InEachLane(0x7FFF)) & InEachLane(0x8000);
+}
+
+// How many fields of `field_bits` have their top bit clear before the first that has it set.
+// Without a branch: a zero is never counted.
+std::size_t ClearFields(Lanes marks, unsigned field_bits) {
+  const Lanes low_bits = marks >> (field_bits - 1) | Lanes{1} << 63;
+  return (static_cast<std::size_t>(std::countr_zero(low_bits)) + 1) / field_bits;
+}
+
+void WidenFour(std::uint32_t bytes, char16_t* out) {
+  const Lanes halves = (Lanes{bytes} | Lanes{bytes} << 16) & 0x0000FFFF0000FFFFU;
+  const Lanes units = (halves | halves << 8) & InEachLane(0xFF);
+  std::memcpy(out, &units, sizeof units);
+}
+
 // Each step reads what the bytes at `from` begin with, as units, and returns how many that are.
 std::size_t ReadAscii(const char* from, char16_t* out) {
-  std::copy_n(from, 8, out);
-  return static_cast<std::size_t>(std::countr_zero(LoadLanes(from) & kTopBits)) / 8;
+  const Lanes bytes = LoadLanes(from);
+  WidenFour(static_cast<std::uint32_t>(bytes), out);
+  WidenFour(static_cast<std::uint32_t>(bytes >> 32), out + 4);
+  return ClearFields(bytes & kTopBits, 8);
 }
 
 std::size_t ReadFourPairs(const char* from, char16_t* out) {
   const Lanes pairs = LoadLanes(from);
   const Lanes units = (pairs & InEachLane(0x1F)) << 6 | (pairs >> 8 & InEachLane(0x3F));
   std::memcpy(out, &units, sizeof units);
-  const Lanes not_overlong = (pairs & InEachLane(0x1E)) + InEachLane(0x7FFF);
-  const Lanes faults =
-      ((pairs & InEachLane(0xC0E0)) ^ InEachLane(0x80C0)) | (~not_overlong & InEachLane(0x8000));
-  return static_cast<std::size_t>(std::countr_zero(faults)) / 16;
+  const Lanes wrong_bits = (pairs & InEachLane(0xC0E0)) ^ InEachLane(0x80C0);
+  const Lanes overlong = ~NotZero(pairs & InEachLane(0x1E)) & InEachLane(0x8000);
+  return ClearFields(NotZero(wrong_bits >> 1) | overlong, 16);
 }
 
 std::size_t ReadEightPairs(const char* from, char16_t* out) {
