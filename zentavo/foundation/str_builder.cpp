@@ -32,7 +32,8 @@ constexpr auto kDigitPairs = [] {
 void WriteDigitsBefore(char16_t* end, std::uint64_t value) {
   for (; value >= 10; value /= 100) {
     end -= 2;
-    std::memcpy(end, &kDigitPairs[2 * (value % 100)], 2 * sizeof(char16_t));
+    const auto pair = static_cast<std::size_t>(value % 100);
+    std::memcpy(end, &kDigitPairs[2 * pair], 2 * sizeof(char16_t));
     if (value < 100) return;
   }
   *--end = static_cast<char16_t>(u'0' + value);
