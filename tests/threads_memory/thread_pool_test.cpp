@@ -52,7 +52,10 @@ class HeldWork {
   ~HeldWork() {
     platform::SetWorkSubmitter(nullptr);
     jobs.clear();
+    refusals = 0;
   }
+
+  static inline int refusals = 0;  // how many submissions to refuse
 
   std::size_t Count() const { return jobs.size(); }
   void RunFirst() {
@@ -66,6 +69,10 @@ class HeldWork {
 
  private:
   static bool Submit(platform::WorkFunction function, void* context) {
+    if (refusals > 0) {
+      --refusals;
+      return false;
+    }
     jobs.emplace_back(function, context);
     return true;
   }
@@ -156,6 +163,22 @@ TEST(TXThreadPool, ItemIsDestroyedAfterItsWorkerTookTheNextUnlessItIsKept) {
   pool.Run(*kept);
   work.RunAll();
   EXPECT_EQ(destroyed, 0);
+}
+
+TEST(TXThreadPool, DelayedItemWhoseStartIsRefusedIsDestroyedAndTheOthersRun) {
+  HeldClock clock(5'000);
+  HeldWork work;
+  TXThreadPool pool(2);
+  bool destroyed = false;
+  bool ran = false;
+  pool.RunDelay(Does([&] { ran = true; }), kLater);
+  pool.RunDelay(std::make_unique<Item>([] {}, [&] { destroyed = true; }), kLater);
+  HeldWork::refusals = 1;
+  clock.now += kLater;
+  pool.CheckDelay();
+  EXPECT_TRUE(destroyed) << "the later one of the batch, started first";
+  work.RunAll();
+  EXPECT_TRUE(ran);
 }
 
 TEST(TXThreadPool, RefusedStartRaisesAndLosesAPlace) {

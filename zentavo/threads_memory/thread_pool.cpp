@@ -5,20 +5,24 @@
 
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/format.h"
+#include "zentavo/platform/brief_lock.h"
 #include "zentavo/platform/clock.h"
-#include "zentavo/platform/spinning_lock.h"
 #include "zentavo/platform/system_error.h"
 
 namespace zentavo {
 
 namespace {
 
-using platform::LockSpinning;
 using platform::TimerQueue;
 using platform::TimerStop;
 
 constexpr std::int32_t kDueWithin = 9;  // milliseconds
 constexpr std::uint32_t kKept = 1;      // the start time of an item that stays its owner's
+
+// Under the lock that guards `count`, which others only read: no step that locks the memory.
+void AddTo(std::atomic<std::int32_t>& count, std::int32_t step) {
+  count.store(count.load(std::memory_order_relaxed) + step, std::memory_order_release);
+}
 
 }  // namespace
 
@@ -34,7 +38,7 @@ struct TXThreadPool::Link {
 };
 
 TXThreadPool::TXThreadPool(std::int32_t AMaxthreads)
-    : FMax(AMaxthreads), link_(std::make_shared<Link>()) {
+    : FMax(AMaxthreads), queue_(std::make_shared<Queue>()), link_(std::make_shared<Link>()) {
   link_->pool = this;
 }
 
@@ -45,7 +49,7 @@ TXThreadPool::~TXThreadPool() {
     const std::lock_guard guard(link_->lock);
     link_->pool = nullptr;
   }
-  const std::lock_guard guard(*queue_lock_);
+  const std::lock_guard guard(queue_->lock);
 }
 
 void TXThreadPool::Run(std::unique_ptr<TXWorkItem> Item) {
@@ -64,27 +68,29 @@ void TXThreadPool::Start(TXWorkItem& item) {
 }
 
 bool TXThreadPool::TakePlace(TXWorkItem& item) {
-  const auto guard = LockSpinning(*queue_lock_);
-  if (FRunning < FMax) {
-    ++FRunning;
+  Queue& queue = *queue_;
+  const std::lock_guard guard(queue.lock);
+  if (queue.FRunning.load(std::memory_order_relaxed) < FMax) {
+    AddTo(queue.FRunning, 1);
     return true;
   }
-  FList.push_back(&item);
-  ++queued_count_;
+  queue.FList.push_back(&item);
+  AddTo(queue.queued, 1);
   return false;
 }
 
 TXWorkItem* TXThreadPool::PickNext() {
-  std::shared_ptr<std::mutex> last;  // given up behind the lock
-  const auto guard = LockSpinning(*queue_lock_);
-  if (FList.empty()) {
-    last = queue_lock_;
-    --FRunning;
+  std::shared_ptr<Queue> last;  // given up behind the lock
+  Queue& queue = *queue_;
+  const std::lock_guard guard(queue.lock);
+  if (queue.FList.empty()) {
+    last = queue_;
+    AddTo(queue.FRunning, -1);
     return nullptr;
   }
-  TXWorkItem* const next = FList.front();
-  FList.pop_front();
-  --queued_count_;
+  TXWorkItem* const next = queue.FList.front();
+  queue.FList.pop_front();
+  AddTo(queue.queued, -1);
   return next;
 }
 

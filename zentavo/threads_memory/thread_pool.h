@@ -15,6 +15,7 @@
 #include <memory>
 #include <mutex>
 
+#include "zentavo/platform/brief_lock.h"
 #include "zentavo/platform/export.h"
 #include "zentavo/platform/timer_queue.h"
 #include "zentavo/threads_memory/work_item.h"
@@ -49,10 +50,10 @@ class ZENTAVO_API TXThreadPool {
 
   std::int32_t MaxThreads() const { return FMax; }
   // Items started and not yet ended, those included that a thread took from the queue.
-  std::int32_t CurThreads() const { return FRunning; }
+  std::int32_t CurThreads() const { return queue_->FRunning; }
   // Items queued and delayed, not those that run. Read without locks: while others use the pool, a
   // hint.
-  std::int32_t GetPendingCount() const { return queued_count_ + delayed_count_; }
+  std::int32_t GetPendingCount() const { return queue_->queued + delayed_count_; }
   std::int32_t PendingCount() const { return GetPendingCount(); }
 
   // What the pool's threads and its timer call.
@@ -74,6 +75,15 @@ class ZENTAVO_API TXThreadPool {
   };
   struct Link;
 
+  // What waits and how many run. Shared with a thread that is leaving it for the last time, since
+  // that may go on after the pool has been destroyed.
+  struct Queue {
+    platform::BriefLock lock;  // guards the changes of what follows
+    std::atomic<std::int32_t> FRunning{0};
+    std::atomic<std::int32_t> queued{0};  // FList.size(), to be read without the lock
+    std::deque<TXWorkItem*> FList;
+  };
+
   void Start(TXWorkItem& item);
   // Returns whether the item is to be started now; otherwise it is queued.
   bool TakePlace(TXWorkItem& item);
@@ -81,19 +91,14 @@ class ZENTAVO_API TXThreadPool {
   bool ReplaceTimer(std::int32_t ms);
   void RunDue(std::uint32_t now);
 
-  // Locks in the order in which they are taken: link_->lock, delayed_lock_, queue_lock_. No item
-  // and no submission to the process-wide pool runs under queue_lock_.
-  // Guards FList and the changes of FRunning. Shared with a thread that is leaving it for the last
-  // time, since that may go on after the pool has been destroyed.
-  const std::shared_ptr<std::mutex> queue_lock_ = std::make_shared<std::mutex>();
-  std::atomic<std::int32_t> FRunning{0};
   const std::int32_t FMax;
-  std::deque<TXWorkItem*> FList;
+  // Locks in the order in which they are taken: link_->lock, delayed_lock_, queue_->lock. No item
+  // and no submission to the process-wide pool runs under the queue's lock.
+  const std::shared_ptr<Queue> queue_;
   std::mutex delayed_lock_;                                         // guards FDelayed and FTimer
   std::multimap<std::uint32_t, TXWorkItem*, EarlierTick> FDelayed;  // by due time
   platform::TimerPtr FTimer;
   const std::shared_ptr<Link> link_;
-  std::atomic<std::int32_t> queued_count_{0};
   std::atomic<std::int32_t> delayed_count_{0};
 };
 

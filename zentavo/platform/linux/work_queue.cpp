@@ -4,8 +4,8 @@
 #include <new>
 #include <thread>
 
+#include "zentavo/platform/brief_lock.h"
 #include "zentavo/platform/linux/own_threads.h"
-#include "zentavo/platform/spinning_lock.h"
 
 namespace zentavo::platform {
 
@@ -28,6 +28,19 @@ WorkQueueLimits Filled(WorkQueueLimits limits) {
   if (limits.prompt_threads == 0) limits.prompt_threads = Processors();
   limits.prompt_threads = std::min(limits.prompt_threads, limits.max_threads);
   return limits;
+}
+
+// Returns the lock held. Tries for about a microsecond before it lets the thread sleep, since a
+// sleep and a wake-up cost more than the holder's whole work.
+std::unique_lock<std::mutex> LockSpinning(std::mutex& mutex) {
+  constexpr int kTries = 40;
+  std::unique_lock lock(mutex, std::try_to_lock);
+  for (int tries = 1; tries < kTries && !lock.owns_lock(); ++tries) {
+    PauseProcessor();
+    if (lock.try_lock()) return lock;
+  }
+  if (!lock.owns_lock()) lock.lock();
+  return lock;
 }
 
 }  // namespace
