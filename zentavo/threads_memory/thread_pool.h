@@ -10,13 +10,13 @@
 
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
 
 #include "zentavo/platform/brief_lock.h"
 #include "zentavo/platform/export.h"
+#include "zentavo/platform/ring_queue.h"
 #include "zentavo/platform/timer_queue.h"
 #include "zentavo/threads_memory/work_item.h"
 
@@ -81,7 +81,7 @@ class ZENTAVO_API TXThreadPool {
     platform::BriefLock lock;  // guards the changes of what follows
     std::atomic<std::int32_t> FRunning{0};
     std::atomic<std::int32_t> queued{0};  // FList.size(), to be read without the lock
-    std::deque<TXWorkItem*> FList;
+    platform::RingQueue<TXWorkItem*> FList;
   };
 
   void Start(TXWorkItem& item);

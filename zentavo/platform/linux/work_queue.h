@@ -12,10 +12,10 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <mutex>
 
 #include "zentavo/platform/export.h"
+#include "zentavo/platform/ring_queue.h"
 #include "zentavo/platform/thread_pool.h"
 
 namespace zentavo::platform {
@@ -80,7 +80,7 @@ class ZENTAVO_API WorkQueue {
   std::condition_variable work_;
   std::condition_variable supervisor_;
   std::condition_variable left_;
-  std::deque<Job> jobs_;
+  RingQueue<Job> jobs_;
   std::uint64_t taken_ = 0;  // jobs taken so far
   int workers_ = 0;
   int coming_ = 0;    // workers that will look for work before they sleep
