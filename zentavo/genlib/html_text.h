@@ -14,8 +14,7 @@ namespace zentavo {
 
 // Returns a page with a paragraph for each line of `Text`, links made, nothing escaped. CR, LF, or
 // any two of them in a row, end a line; a last line without an end is a paragraph too. A '<' that
-// no
-// '$', or no '>' behind that, follows is text.
+// is not followed by a '$', and that by a '>', is text.
 ZENTAVO_API String XCHToHTML(StringView Text);
 
 // Returns `Html` with "external" as "_external", and then `src="XCon.js">` as
