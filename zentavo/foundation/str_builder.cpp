@@ -29,7 +29,8 @@ constexpr auto kDigitPairs = [] {
   return units;
 }();
 
-void WriteDigitsBefore(char16_t* end, std::uint64_t value) {
+template <typename Unsigned>
+void WriteDigitsBefore(char16_t* end, Unsigned value) {
   for (; value >= 10; value /= 100) {
     end -= 2;
     const auto pair = static_cast<std::size_t>(value % 100);
@@ -107,7 +108,13 @@ TStrBuilder& TStrBuilder::AddInteger(std::int64_t Value) {
   if (count > FCapacity - FLength) CheckLength(count);
   if (Value < 0) FDataString[static_cast<std::size_t>(FLength)] = u'-';
   FLength += count;
-  WriteDigitsBefore(FDataString.get() + FLength, digits);
+  char16_t* const end = FDataString.get() + FLength;
+  // Most numbers are small, and dividing those is far cheaper.
+  if (const auto low = static_cast<std::uint32_t>(digits); low == digits) {
+    WriteDigitsBefore(end, low);
+  } else {
+    WriteDigitsBefore(end, digits);
+  }
   return *this;
 }
 
