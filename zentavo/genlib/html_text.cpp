@@ -14,33 +14,31 @@ namespace {
 
 using Stops = std::array<char16_t, 3>;
 
-// Four units in one register, the first in its lowest bits.
-using Lanes = std::uint64_t;
+// Eight units in one register.
+using Lanes = char16_t __attribute__((vector_size(16)));
+using Halves = std::uint64_t __attribute__((vector_size(16)));
+constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(char16_t);
 static_assert(std::endian::native == std::endian::little);
 
-constexpr Lanes InEachLane(char16_t unit) {
-  return Lanes{unit} * 0x0001000100010001U;
+// All bits of each lane that is one of `stops`.
+Halves MarkStops(const char16_t* units, const Stops& stops) {
+  Lanes lanes;
+  std::memcpy(&lanes, units, sizeof lanes);
+  return Halves((lanes == stops[0]) | (lanes == stops[1]) | (lanes == stops[2]));
 }
 
-// Marks the first lane that is one of `stops` by its top bit; lanes behind it may be marked without
-// being one.
-Lanes MarkStops(Lanes units, const Stops& stops) {
-  Lanes marks = 0;
-  for (const char16_t stop : stops) {
-    const Lanes differing = units ^ InEachLane(stop);
-    marks |= (differing - InEachLane(1)) & ~differing;
-  }
-  return marks & InEachLane(0x8000);
+std::size_t FirstMarked(const Halves& marks) {
+  constexpr int kLaneBits = 16;
+  const int half = marks[0] != 0 ? 0 : 1;
+  return static_cast<std::size_t>(half * 64 + std::countr_zero(marks[half])) / kLaneBits;
 }
 
 // How many units at the start of `text` are none of `stops`.
 std::size_t RunLength(StringView text, const Stops& stops) {
   std::size_t index = 0;
-  for (; index + 4 <= text.size(); index += 4) {
-    Lanes units;
-    std::memcpy(&units, text.data() + index, sizeof units);
-    const Lanes marks = MarkStops(units, stops);
-    if (marks != 0) return index + static_cast<std::size_t>(std::countr_zero(marks)) / 16;
+  for (; index + kLanes <= text.size(); index += kLanes) {
+    const Halves marks = MarkStops(text.data() + index, stops);
+    if ((marks[0] | marks[1]) != 0) return index + FirstMarked(marks);
   }
   while (index < text.size() && std::find(stops.begin(), stops.end(), text[index]) == stops.end()) {
     ++index;
