@@ -49,7 +49,8 @@ Text RandomText(std::mt19937& random, std::initializer_list<Piece> pieces) {
   Text text;
   for (auto count = random() % 20; count > 0; --count) {
     const Piece piece = pieces.begin()[random() % pieces.size()];
-    for (auto times = random() % 12; times > 0; --times) text += piece;
+    const unsigned most = random() % 16 == 0 ? 500 : 12;  // now and then a long run
+    for (auto times = random() % most; times > 0; --times) text += piece;
   }
   return text;
 }

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 #include "zentavo/framework/text.h"
@@ -96,13 +98,13 @@ std::size_t AsciiRun(std::string_view bytes, std::size_t index) {
 
 // How many units at the start of `text` are no surrogates.
 std::size_t RunWithoutSurrogates(StringView text) {
-  constexpr std::size_t kBlock = 32;
+  constexpr std::size_t kUnits = 32;
   std::size_t index = 0;
-  while (index + kBlock <= text.size()) {
+  while (index + kUnits <= text.size()) {
     unsigned any = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) any |= (text[index + i] & 0xF800) == 0xD800;
+    for (std::size_t i = 0; i < kUnits; ++i) any |= (text[index + i] & 0xF800) == 0xD800;
     if (any != 0) break;
-    index += kBlock;
+    index += kUnits;
   }
   while (index < text.size() && (text[index] & 0xF800) != 0xD800) ++index;
   return index;
@@ -120,12 +122,61 @@ std::size_t Utf8Room(StringView text) {
   return text.size() + beyond_ascii + three_bytes + 1;
 }
 
-// Writes the units from `index` on that take one or two bytes, most of European texts, and returns
-// the end of what was written. Two bytes are always written, of which the next unit overwrites what
-// was not meant: branches would be mispredicted wherever a text changes its script.
+// ASCII in blocks, which is what files of a program's own mostly hold.
+constexpr std::size_t kBlock = 16;
+using BlockHalf = unsigned char __attribute__((vector_size(kBlock / 2)));
+using WideHalf = std::uint16_t __attribute__((vector_size(kBlock)));
+
+bool IsAsciiBlock(const char* from) {
+  std::array<std::uint64_t, 2> words;
+  std::memcpy(words.data(), from, sizeof words);
+  return ((words[0] | words[1]) & 0x8080808080808080U) == 0;
+}
+
+bool IsAsciiBlock(const char16_t* from) {
+  std::array<std::uint64_t, 4> words;
+  std::memcpy(words.data(), from, sizeof words);
+  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80U) == 0;
+}
+
+// Copies kBlock ASCII units from one width to the other.
+template <typename FromHalf, typename ToHalf, typename From, typename To>
+void CopyBlock(const From* from, To* to) {
+  for (std::size_t at = 0; at < kBlock; at += kBlock / 2) {
+    FromHalf half;
+    std::memcpy(&half, from + at, sizeof half);
+    const auto converted = __builtin_convertvector(half, ToHalf);
+    std::memcpy(to + at, &converted, sizeof converted);
+  }
+}
+
+char* WriteAsciiBlocks(StringView text, std::size_t& index, char* out) {
+  for (; index + kBlock <= text.size() && IsAsciiBlock(&text[index]); index += kBlock) {
+    CopyBlock<WideHalf, BlockHalf>(&text[index], out);
+    out += kBlock;
+  }
+  return out;
+}
+
+char16_t* ReadAsciiBlocks(std::string_view bytes, std::size_t& index, char16_t* out) {
+  for (; index + kBlock <= bytes.size() && IsAsciiBlock(&bytes[index]); index += kBlock) {
+    CopyBlock<BlockHalf, WideHalf>(&bytes[index], out);
+    out += kBlock;
+  }
+  return out;
+}
+
+// Where a block is not ASCII, so many units or bytes go the general way before blocks are tried
+// again: texts of several scripts would fail nearly every trial.
+constexpr std::size_t kMixedRun = 1024;
+
+// Writes up to kMixedRun units from `index` on that take one or two bytes, most of European texts,
+// and returns the end of what was written. Two bytes are always written, of which the next unit
+// overwrites what was not meant: branches would be mispredicted wherever a text changes its script.
 char* WriteShort(StringView text, std::size_t& index, char* out) {
   std::size_t at = index;
-  for (; at < text.size() && text[at] < 0x800; ++at) {
+  const std::size_t till = std::min(text.size(), at + kMixedRun);
+  for (; at < till && text[at] < 0x800; ++at) {
     const unsigned unit = text[at];
     const unsigned is_pair = (unit + 0x780) >> 11;  // 1 from 0x80 on
     const unsigned lead = 0xC0 | unit >> 6;
@@ -143,88 +194,69 @@ char* WriteOne(StringView text, std::size_t& index, char* out) {
   return out;
 }
 
-// Eight bytes, or four lanes of two, in one register, the first in its lowest bits. Steps over them
-// write whole registers and move on by as much as was valid, for the same reason as above.
-using Lanes = std::uint64_t;
 static_assert(std::endian::native == std::endian::little);
-
-constexpr Lanes InEachLane(std::uint16_t value) {
-  return Lanes{value} * 0x0001000100010001U;
-}
-constexpr Lanes kTopBits = InEachLane(0x8080);
-
-Lanes LoadLanes(const char* from) {
-  Lanes lanes;
-  std::memcpy(&lanes, from, sizeof lanes);
-  return lanes;
-}
 
 bool IsTrail(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// The top bit of each lane that is not 0; no lane is above 0x8000.
-Lanes NotZero(Lanes lanes) {
-  return (lanes + InEachLane(0x7FFF)) & InEachLane(0x8000);
+// How many of the eight bytes, the first in the lowest bits, come before the first that has its top
+// bit set. Without a branch: a zero is never counted.
+std::size_t ClearBytes(std::uint64_t bytes) {
+  const std::uint64_t marks = (bytes & 0x8080808080808080U) >> 7 | std::uint64_t{1} << 63;
+  return (static_cast<std::size_t>(std::countr_zero(marks)) + 1) / 8;
 }
 
-// How many fields of `field_bits` have their top bit clear before the first that has it set.
-// Without a branch: a zero is never counted.
-std::size_t ClearFields(Lanes marks, unsigned field_bits) {
-  const Lanes low_bits = marks >> (field_bits - 1) | Lanes{1} << 63;
-  return (static_cast<std::size_t>(std::countr_zero(low_bits)) + 1) / field_bits;
-}
-
-void WidenFour(std::uint32_t bytes, char16_t* out) {
-  const Lanes halves = (Lanes{bytes} | Lanes{bytes} << 16) & 0x0000FFFF0000FFFFU;
-  const Lanes units = (halves | halves << 8) & InEachLane(0xFF);
-  std::memcpy(out, &units, sizeof units);
-}
-
-// Each step reads what the bytes at `from` begin with, as units, and returns how many that are.
+// The following steps read what the bytes at `from` begin with, as units, and return how many that
+// are. They write whole registers and move on by as much as was valid, for the same reason as
+// above.
 std::size_t ReadAscii(const char* from, char16_t* out) {
-  const Lanes bytes = LoadLanes(from);
-  WidenFour(static_cast<std::uint32_t>(bytes), out);
-  WidenFour(static_cast<std::uint32_t>(bytes >> 32), out + 4);
-  return ClearFields(bytes & kTopBits, 8);
-}
-
-std::size_t ReadFourPairs(const char* from, char16_t* out) {
-  const Lanes pairs = LoadLanes(from);
-  const Lanes units = (pairs & InEachLane(0x1F)) << 6 | (pairs >> 8 & InEachLane(0x3F));
+  BlockHalf bytes;
+  std::memcpy(&bytes, from, sizeof bytes);
+  const auto units = __builtin_convertvector(bytes, WideHalf);
   std::memcpy(out, &units, sizeof units);
-  const Lanes wrong_bits = (pairs & InEachLane(0xC0E0)) ^ InEachLane(0x80C0);
-  const Lanes overlong = ~NotZero(pairs & InEachLane(0x1E)) & InEachLane(0x8000);
-  return ClearFields(NotZero(wrong_bits >> 1) | overlong, 16);
+  return ClearBytes(std::bit_cast<std::uint64_t>(bytes));
 }
 
-std::size_t ReadEightPairs(const char* from, char16_t* out) {
-  const std::size_t first = ReadFourPairs(from, out);
-  const std::size_t second = ReadFourPairs(from + 8, out + 4);
-  return first + (second & (0 - (first >> 2)));  // the second counts behind four of the first
+std::size_t ReadPairs(const char* from, char16_t* out) {
+  WideHalf pairs;
+  std::memcpy(&pairs, from, sizeof pairs);
+  const WideHalf units = (pairs & 0x1F) << 6 | (pairs >> 8 & 0x3F);
+  std::memcpy(out, &units, sizeof units);
+  const auto wrong = ((pairs & 0xC0E0) != 0x80C0) | ((pairs & 0x1E) == 0);  // or overlong
+  return ClearBytes(std::bit_cast<std::uint64_t>(__builtin_convertvector(wrong, BlockHalf)));
 }
 
 // A step writes up to so many units beyond what it means.
 constexpr std::size_t kSlack = 8;
 
-// What is enough for the units of `bytes` where no trail byte stands alone.
+// What is enough for the units of `bytes` where no trail byte stands alone. Counts in single bytes
+// for some way, which takes a sixteenth of the registers.
 std::size_t Utf16Room(std::string_view bytes) {
+  constexpr std::size_t kWay = 64;
   std::size_t units = kSlack;
-  for (const char byte : bytes) {
-    units += !IsTrail(byte);
-    units += static_cast<unsigned char>(byte) >= 0xF0;
+  for (std::size_t start = 0; start < bytes.size(); start += kWay) {
+    unsigned char count = 0;
+    for (const char byte : bytes.substr(start, kWay)) {
+      const int more = (IsTrail(byte) ? 0 : 1) + (static_cast<unsigned char>(byte) >= 0xF0 ? 1 : 0);
+      count = static_cast<unsigned char>(count + more);
+    }
+    units += count;
   }
   return units;
 }
 
-// Reads well-formed sequences of one and two bytes from `index` on, to some way before the end.
+// Reads some kMixedRun bytes of well-formed sequences of one and two bytes from `index` on, to some
+// way before the end.
 char16_t* ReadShort(std::string_view bytes, std::size_t& index, char16_t* out) {
   constexpr std::size_t kStep = 8 + 16;
   std::size_t at = index;
+  const std::size_t till =
+      bytes.size() < kStep ? 0 : std::min(bytes.size() - kStep + 1, at + kMixedRun);
   std::size_t done = 1;
-  while (done > 0 && at + kStep <= bytes.size()) {
+  while (done > 0 && at < till) {
     const std::size_t ascii = ReadAscii(bytes.data() + at, out);
-    const std::size_t pairs = ReadEightPairs(bytes.data() + at + ascii, out + ascii);
+    const std::size_t pairs = ReadPairs(bytes.data() + at + ascii, out + ascii);
     at += ascii + 2 * pairs;
     done = ascii + pairs;
     out += done;
@@ -256,8 +288,10 @@ void AppendUtf8(AnsiString& out, StringView text) {
   out.resize(old_size + Utf8Room(text));
   char* end = out.data() + old_size;
   for (std::size_t index = 0; index < text.size();) {
+    end = WriteAsciiBlocks(text, index, end);
+    const std::size_t start = index;
     end = WriteShort(text, index, end);
-    if (index < text.size()) end = WriteOne(text, index, end);
+    if (index < text.size() && index - start < kMixedRun) end = WriteOne(text, index, end);
   }
   out.resize(static_cast<std::size_t>(end - out.data()));
 }
@@ -274,7 +308,10 @@ void AppendFromUtf8(String& out, std::string_view bytes) {
   bool room_for_all = false;
   char16_t* end = out.data() + used;
   for (std::size_t index = 0; index < bytes.size();) {
+    end = ReadAsciiBlocks(bytes, index, end);
+    const std::size_t start = index;
     end = ReadShort(bytes, index, end);
+    if (index - start >= kMixedRun) continue;
     if (index == bytes.size()) break;
     if (!room_for_all && IsTrail(bytes[index])) {
       used = static_cast<std::size_t>(end - out.data());

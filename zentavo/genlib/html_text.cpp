@@ -12,10 +12,10 @@ namespace zentavo {
 
 namespace {
 
-using Stops = std::array<char16_t, 3>;
+using Stops = std::array<std::uint16_t, 3>;
 
 // Eight units in one register.
-using Lanes = char16_t __attribute__((vector_size(16)));
+using Lanes = std::uint16_t __attribute__((vector_size(16)));
 using Halves = std::uint64_t __attribute__((vector_size(16)));
 constexpr std::size_t kLanes = sizeof(Lanes) / sizeof(char16_t);
 static_assert(std::endian::native == std::endian::little);
