@@ -29,7 +29,8 @@ std::atomic<std::size_t> bytes_in_use{0};
 std::atomic<std::size_t> most_bytes{0};
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined, where the compiler would take a block and its header for two.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   void* const block = std::malloc(size + kHeader);
   if (block == nullptr) throw std::bad_alloc();
   *static_cast<std::size_t*>(block) = size;
@@ -37,7 +38,7 @@ void* operator new(std::size_t size) {
   if (now > most_bytes.load(std::memory_order_relaxed)) most_bytes = now;
   return static_cast<char*>(block) + kHeader;
 }
-void operator delete(void* pointer) noexcept {
+[[gnu::noinline]] void operator delete(void* pointer) noexcept {
   if (pointer == nullptr) return;
   void* const block = static_cast<char*>(pointer) - kHeader;
   bytes_in_use.fetch_sub(*static_cast<std::size_t*>(block), std::memory_order_relaxed);
