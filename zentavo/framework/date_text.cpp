@@ -4,9 +4,13 @@
 
 #include "zentavo/framework/date_time.h"
 #include "zentavo/framework/exception.h"
+#include "zentavo/framework/pattern_scan.h"
 
 namespace zentavo {
 namespace {
+
+using pattern_scan::TakeQuoted;
+using pattern_scan::TakeUnits;
 
 void AppendPadded(String& out, int value, int digits) {
   std::array<char16_t, 4> units;
@@ -36,19 +40,6 @@ HalfMark HalfMarkAt(StringView rest) {
 
 bool IsQuote(char16_t unit) {
   return unit == u'\'' || unit == u'"';
-}
-
-StringView TakeUnits(StringView& rest, std::size_t count) {
-  const StringView taken = rest.substr(0, count);
-  rest.remove_prefix(taken.size());
-  return taken;
-}
-
-StringView TakeQuoted(StringView& rest) {
-  const char16_t quote = TakeUnits(rest, 1)[0];
-  const StringView text = TakeUnits(rest, rest.find(quote));
-  TakeUnits(rest, 1);
-  return text;
 }
 
 bool HasHalfMark(StringView rest) {

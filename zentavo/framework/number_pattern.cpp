@@ -4,9 +4,13 @@
 
 #include "zentavo/framework/decimal_digits.h"
 #include "zentavo/framework/number_text.h"
+#include "zentavo/framework/pattern_scan.h"
 
 namespace zentavo {
 namespace {
+
+using pattern_scan::TakeQuoted;
+using pattern_scan::TakeUnits;
 
 enum class ElementKind { kEnd, kZero, kHash, kPoint, kComma, kExponent, kLiteral };
 
@@ -20,19 +24,6 @@ struct Element {
 bool IsExponentMark(StringView rest) {
   return rest.size() >= 2 && (rest[0] == u'E' || rest[0] == u'e') &&
          (rest[1] == u'+' || rest[1] == u'-');
-}
-
-StringView TakeUnits(StringView& rest, std::size_t count) {
-  const StringView taken = rest.substr(0, count);
-  rest.remove_prefix(taken.size());
-  return taken;
-}
-
-StringView TakeQuoted(StringView& rest) {
-  const char16_t quote = TakeUnits(rest, 1)[0];
-  const StringView text = TakeUnits(rest, rest.find(quote));
-  TakeUnits(rest, 1);
-  return text;
 }
 
 Element NextElement(StringView& rest) {

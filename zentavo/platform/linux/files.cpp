@@ -136,20 +136,6 @@ std::optional<std::string> LinkTarget(const std::string& path) {
 
 }  // namespace
 
-File::File(File&& other) noexcept : handle_(std::exchange(other.handle_, kClosed)) {}
-
-File& File::operator=(File&& other) noexcept {
-  if (this != &other) {
-    Close();
-    handle_ = std::exchange(other.handle_, kClosed);
-  }
-  return *this;
-}
-
-File::~File() {
-  Close();
-}
-
 SystemError File::Open(std::u16string_view path, FileAccess access, FileSharing sharing,
                        FileCreation creation) {
   Close();

@@ -34,21 +34,6 @@ struct CloseFile {
 
 }  // namespace
 
-SharedMemory::SharedMemory(SharedMemory&& other) noexcept
-    : handle_(std::exchange(other.handle_, kClosed)) {}
-
-SharedMemory& SharedMemory::operator=(SharedMemory&& other) noexcept {
-  if (this != &other) {
-    Close();
-    handle_ = std::exchange(other.handle_, kClosed);
-  }
-  return *this;
-}
-
-SharedMemory::~SharedMemory() {
-  Close();
-}
-
 SystemError SharedMemory::Open(std::u16string_view name, std::uint32_t size) {
   Close();
   int file = -1;

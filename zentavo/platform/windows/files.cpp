@@ -113,20 +113,6 @@ SystemError TakeOver(const std::wstring& source, const std::wstring& target) {
 
 }  // namespace
 
-File::File(File&& other) noexcept : handle_(std::exchange(other.handle_, kClosed)) {}
-
-File& File::operator=(File&& other) noexcept {
-  if (this != &other) {
-    Close();
-    handle_ = std::exchange(other.handle_, kClosed);
-  }
-  return *this;
-}
-
-File::~File() {
-  Close();
-}
-
 SystemError File::Open(std::u16string_view path, FileAccess access, FileSharing sharing,
                        FileCreation creation) {
   Close();
