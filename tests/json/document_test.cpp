@@ -83,8 +83,10 @@ TEST(ReadTree, PartsOutliveTheTree) {
   std::unique_ptr<TZAbstractObject> lines;
   std::unique_ptr<TZAbstractObject> tags;
   std::unique_ptr<TZAbstractObject> name;
+  const char16_t* key = nullptr;
   {
     TJSONObject order(kOrder);
+    key = (*order.getJSONArray(u"lines").getJSONObject(1).begin()).key.data();
     tags = order.getJSONArray(u"lines").getJSONObject(0).remove(u"tags");
     lines = order.remove(u"lines");
     name = order.remove(u"customer name");
@@ -95,6 +97,8 @@ TEST(ReadTree, PartsOutliveTheTree) {
   auto& array = dynamic_cast<TJSONArray&>(*lines);
   EXPECT_EQ(array.getJSONObject(0).names().toString(), uR"(["item","price"])");
   EXPECT_EQ(array.getJSONObject(1).getString(u"item"), u"B \"2\"");
+  EXPECT_EQ((*array.getJSONObject(1).begin()).key.data(), key);  // the tree's memory is kept
+  EXPECT_NE((*TJSONArray(array).getJSONObject(1).begin()).key.data(), key);
   array.getJSONObject(1).put(u"tags", std::move(tags));
   EXPECT_EQ(array.getJSONObject(1).getJSONArray(u"tags").getString(2), u"z");
 }

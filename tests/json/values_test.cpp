@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <map>
@@ -216,30 +215,6 @@ TEST(TextForm, Indented) {
       u"{\n   \"a\": [\n     1,\n     {\"x\": 2},\n     {\n       \"y\": 3,\n       \"z\": []\n"
       u"     }\n   ],\n   \"b\": {},\n   \"c\": [[\n     4,\n     5\n   ]]\n }");
   EXPECT_EQ(TJSONArray(u"[1,2]").toString(0), u"[\n1,\n2\n]");
-}
-
-TEST(TextForm, QuoteEscapesAllButSafeUnits) {
-  EXPECT_EQ(quote(u""), u"\"\"");
-  EXPECT_EQ(quote(u"aZ09!$'()*-.@_/</"), u"\"aZ09!$'()*-.@_/\\u003C\\/\"");
-  EXPECT_EQ(quote(u"\"\\\b\t\n\f\r"), u"\"\\\"\\\\\\b\\t\\n\\f\\r\"");
-  EXPECT_EQ(quote(u" &+,:~\x7F\x391\xD800\x01"),
-            u"\"\\u0020\\u0026\\u002B\\u002C\\u003A\\u007E\\u007F\\u0391\\uD800\\u0001\"");
-}
-
-// The quick way to write doubles beside the plain one.
-TEST(TextForm, DoublesAsTheirPatternWritesThem) {
-  std::mt19937_64 random(20240501);
-  const TFormatSettings invariant;
-  for (int round = 0; round < 20000; ++round) {
-    const auto digits = static_cast<double>(random() % 1000000000000u);
-    double value = digits / std::pow(10.0, static_cast<double>(random() % 12));
-    if (random() % 2 == 0) value = -value;
-    ASSERT_EQ(_Double(value).toString(), FormatFloat(u"######0.000000", value, invariant)) << value;
-  }
-  EXPECT_EQ(_Double(0.0000005).toString(), u"0.000001");
-  EXPECT_EQ(_Double(-0.0000004).toString(), u"0.000000");
-  EXPECT_EQ(_Double(2.0000015).toString(), u"2.000002");
-  EXPECT_EQ(_Double(1e21).toString(), u"1000000000000000000000.000000");
 }
 
 // Lookups by scanning and by index beside a plain model, while keys come, go and repeat.

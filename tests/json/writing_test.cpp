@@ -1,6 +1,7 @@
 // The text form of single values and of large trees.
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -71,13 +72,18 @@ TEST(Quote, AgreesWithThePlainWayForRandomTexts) {
   }
 }
 
-// A '<' and its '/' at every place of a long text, which is written in parts.
-TEST(Quote, SlashBehindLessThanIsEscapedInEveryPlace) {
-  for (std::size_t place = 0; place < 2100; ++place) {
-    String text(2102, u'a');
-    text[place] = u'<';
-    text[place + 1] = u'/';
-    ASSERT_EQ(quote(text).substr(place + 1, 8), u"\\u003C\\/") << place;
+// What is written in a way of its own, at every place of texts that are written in blocks and
+// parts.
+TEST(Quote, AgreesWithThePlainWayInEveryPlace) {
+  for (const StringView pair : {u"</", u"<<", u"x/", u"\u20AC/", u"\x7FF\x800"}) {
+    for (std::size_t place = 0; place < 300; ++place) {
+      String text(place, u'a');
+      for (std::size_t at = 0; at < place; at += 3) text[at] = u'\u03B1';
+      text += pair;
+      ASSERT_EQ(quote(text), PlainQuote(text)) << place;
+      text.append(u"</ behind it");
+      ASSERT_EQ(quote(text), PlainQuote(text)) << place;
+    }
   }
 }
 
@@ -103,6 +109,40 @@ TEST(Doubles, OfEverySize) {
   EXPECT_EQ(text.substr(309),
             u",-1000000000000000000000.000000,INF,NAN,0.000000,1.000000,-0.999999,"
             u"1000000000000000.000000,123456.789000]");
+}
+
+// Six decimals of the shortest digits that read back as the value; halves go away from zero.
+String PlainDouble(double value) {
+  char text[400];
+  const auto end =
+      std::to_chars(text, text + sizeof text, std::abs(value), std::chars_format::fixed).ptr;
+  std::string digits(text, end);
+  if (digits.find('.') == std::string::npos) digits += '.';
+  const std::size_t size = digits.find('.') + 7;
+  bool up = digits.size() > size && digits[size] >= '5';
+  digits.resize(size, '0');
+  for (std::size_t at = size; up && at-- > 0;) {
+    if (digits[at] == '.') continue;
+    up = digits[at] == '9';
+    digits[at] = up ? '0' : static_cast<char>(digits[at] + 1);
+  }
+  if (up) digits.insert(0, 1, '1');
+  const bool zero = digits.find_first_not_of("0.") == std::string::npos;
+  return FromUtf8(value < 0 && !zero ? '-' + digits : digits);
+}
+
+TEST(Doubles, AgreeWithThePlainWay) {
+  std::mt19937_64 random(20240501);
+  for (int round = 0; round < 40000; ++round) {
+    const auto digits = static_cast<double>(random() % 1000000000000u >> random() % 40);
+    double value = digits / std::pow(10.0, static_cast<double>(random() % 12));
+    if (round % 2 == 0) value = std::ldexp(static_cast<double>(random() >> 11), -(round % 90));
+    if (random() % 2 == 0) value = -value;
+    ASSERT_EQ(_Double(value).toString(), PlainDouble(value)) << value;
+  }
+  for (const double value : {0.0000005, -0.0000004, 2.0000015, -9.9999995, 0.9999995, 1e15}) {
+    EXPECT_EQ(_Double(value).toString(), PlainDouble(value)) << value;
+  }
 }
 
 TEST(Locale, ChangesNothing) {

@@ -41,6 +41,7 @@ class Run {
   bool Empty() const { return end_ == begin_; }
   T* From(std::size_t index) { return begin_ + index; }
   const T* Begin() const { return begin_; }
+  const T* End() const { return end_; }
   T& Last() { return end_[-1]; }
   // Hands over the memory of all items, which are more than the first few, and is empty again.
   Memory Release() {

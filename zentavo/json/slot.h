@@ -32,8 +32,8 @@ enum class SlotKind : std::uint8_t {
   kText,
   kObject,  // a nested container as it was read: its cells lie in the document
   kArray,
-  kBoxed,      // an owned value other than a container
   kContainer,  // an owned TJSONContainer
+  kBoxed,      // an owned value of another class
 };
 
 // One value, or the key of one, which is a text. What the pointers lead to belongs to the container
@@ -53,7 +53,8 @@ struct Slot {
   StringView Text() const { return {units, size}; }
   double DecimalValue() const { return static_cast<double>(digits) / PowerOfTen(size); }
   bool IsNested() const { return kind == SlotKind::kObject || kind == SlotKind::kArray; }
-  bool IsOwned() const { return kind >= SlotKind::kBoxed; }
+  bool IsContainer() const { return kind >= SlotKind::kObject && kind <= SlotKind::kContainer; }
+  bool IsOwned() const { return kind >= SlotKind::kContainer; }
 
   static Slot Of(SlotKind kind) { return OfObject(kind, nullptr); }
   static Slot OfBoolean(bool value) { return Of(value ? SlotKind::kTrue : SlotKind::kFalse); }

@@ -2,214 +2,278 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 
+#include "zentavo/json/escapes.h"
+#include "zentavo/json/number_form.h"
 #include "zentavo/json/run.h"
-#include "zentavo/json/scalar_text.h"
-#include "zentavo/json/unfilled_text.h"
+#include "zentavo/json/sink.h"
 #include "zentavo/json/value_view.h"
 
 namespace zentavo::json_internal {
 
 namespace {
 
-// Appends one value with all that is in it to a text. Containers that are open are kept in a list
-// of their own, so that nesting takes no stack. Units go to a room of fixed size first, then into
-// the text itself; the functions below write from `out` on and return the end, behind which at
-// least kSlack units are free.
+// Asks for memory that may be read soon. Any address will do.
+void Expect(std::uintptr_t address) {
+  __builtin_prefetch(reinterpret_cast<const void*>(address));  // NOLINT(performance-no-int-to-ptr)
+}
+
+inline char16_t* WriteShortText(char16_t* out, StringView text) {
+  *out++ = u'"';
+  out = WriteEscaped(out, text);
+  *out++ = u'"';
+  return out;
+}
+
+// Writes one value with all that is in it. The functions below write from `out` on, in a room that
+// is emptied into the sink when less than kSlack units are left, and return the end.
+//
+// Containers that are open are kept in lists of their own, so that nesting takes no stack: their
+// closing brackets, and those containers that go on behind the one that is being written. A comma
+// follows each value of a container; its closing bracket takes the place of the last one.
 class Writer {
  public:
-  Writer(String& text, std::optional<Indentation> indentation)
-      : text_(text),
+  Writer(Sink& sink, std::optional<Indentation> indentation)
+      : sink_(sink),
         factor_(indentation ? indentation->factor : 0),
         indent_(indentation ? indentation->indent : 0),
         indented_(indentation.has_value()) {}
 
-  void Write(const Slot& value) { Finish(WriteAll(first_room_.data(), value)); }
-  void WriteQuoted(StringView text) { Finish(WriteText(first_room_.data(), text)); }
+  void Write(const Slot& value) { Finish(WriteAll(room_.data(), value)); }
+  void WriteQuoted(StringView text) { Finish(WriteText(room_.data(), text)); }
 
  private:
+  // A container, of whose cells those from `next` on are not written yet.
   struct Open {
-    const Slot* first;
     const Slot* next;
     const Slot* end;
-    std::int32_t indent;  // of the closing bracket
+    const Slot* first;
+    std::size_t closers;  // that stay when it ends
+    std::int32_t indent;  // of its closing bracket
     bool keyed;
     bool broken;  // one value a line
   };
 
-  static constexpr std::size_t kFirstRoom = 1024;
-  static constexpr std::size_t kSlack = 64;
+  static constexpr std::size_t kRoom = 4096;  // of 8 KB, which stay in the processor's cache
+  static constexpr std::size_t kShort = 128;  // units of a text that is written at once
+  static constexpr std::int32_t kFewBlanks = 64;
+  // For a key and a value that are short, with line breaks, and for what is written too far.
+  static constexpr std::size_t kSlack = 2 * (kShort * kUnitsOfUnit + kFewBlanks + 8) + 16;
 
-  // Makes room for so many units and the slack.
-  char16_t* Room(char16_t* out, std::size_t units) {
-    return units + kSlack <= static_cast<std::size_t>(end_ - out) ? out : Grow(out, units);
-  }
-  char16_t* Grow(char16_t* out, std::size_t units);
+  char16_t* Room(char16_t* out) { return out <= last_ ? out : Empty(out); }
+  char16_t* Empty(char16_t* out);
   void Finish(const char16_t* out);
   double Done() const;
 
-  std::int32_t ChildIndent(const Open& open) const {
-    return open.broken ? open.indent + factor_ : open.indent;
-  }
   char16_t* WriteAll(char16_t* out, const Slot& value);
-  char16_t* WriteNext(char16_t* out);
-  char16_t* OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent);
-  char16_t* Close(char16_t* out, const Open& top);
-  char16_t* WriteBefore(char16_t* out, Open& top);
+  template <bool kIndented>
+  char16_t* WriteTree(char16_t* out, const Slot& tree);
+  template <bool kIndented>
+  char16_t* WriteUpToNested(char16_t* out, Open& here, const Slot*& nested);
+  template <bool kIndented>
+  char16_t* WriteKey(char16_t* out, const Open& here, StringView key);
+  template <bool kIndented>
+  char16_t* Enter(char16_t* out, Open& here, const Slot& container, std::int32_t indent);
+  void Leave(Open& here);
+  char16_t* Close(char16_t* out, const Open& here);
   char16_t* WriteText(char16_t* out, StringView text);
   char16_t* WriteLongText(char16_t* out, StringView text);
-  char16_t* WriteWord(char16_t* out, StringView word);
   char16_t* WriteScalar(char16_t* out, const Slot& value);
+  char16_t* WriteRare(char16_t* out, const Slot& value);
   char16_t* WriteBoxed(char16_t* out, const Slot& value);
   char16_t* BreakLine(char16_t* out, std::int32_t indent);
 
-  String& text_;
-  std::size_t old_size_ = text_.size();
+  Sink& sink_;
   std::int32_t factor_;
   std::int32_t indent_;
   bool indented_;
+  Open here_{};  // the innermost container, when the room was emptied last
   Run<Open, 32> open_;
-  std::array<char16_t, kFirstRoom> first_room_;
-  char16_t* end_ = first_room_.data() + first_room_.size();
-  bool in_text_ = false;
+  Run<char16_t, 64> closers_;
+  std::array<char16_t, kRoom> room_;
+  char16_t* last_ = room_.data() + kRoom - kSlack;
 };
 
-// How much larger everything may be than the part of so many units that is written, which is the
-// share `done` of it. Such a guess may be far off, so it is not trusted too far.
-double GuessFactor(std::size_t units, double done) {
-  constexpr double kMargin = 1.125;
-  constexpr double kLeast = 1.5;
-  const double most = units < 65536 ? 16 : units < 1048576 ? 32 : 4;
-  return std::clamp(kMargin / std::max(done, 1e-9), kLeast, most);
-}
-
-// Moves on into the text, which gets the size that it may have in the end.
-char16_t* Writer::Grow(char16_t* out, std::size_t units) {
-  const char16_t* start = in_text_ ? text_.data() + old_size_ : first_room_.data();
-  const auto done = static_cast<std::size_t>(out - start);
-  const auto guess = static_cast<std::size_t>(static_cast<double>(done + units + kSlack) *
-                                              GuessFactor(done, Done()));
-  ResizeUnfilled(text_, old_size_ + (in_text_ ? done : 0));
-  text_.reserve(old_size_ + guess);
-  if (!in_text_) text_.append(first_room_.data(), done);
-  in_text_ = true;
-  ResizeUnfilled(text_, text_.capacity());
-  end_ = text_.data() + text_.size();
-  return text_.data() + old_size_ + done;
+// Keeps the last unit, which may be a comma that does not stay.
+char16_t* Writer::Empty(char16_t* out) {
+  const StringView part(room_.data(), static_cast<std::size_t>(out - room_.data()) - 1);
+  if (!sink_.HasRoom(part.size())) sink_.MakeRoom(part.size(), Done());
+  sink_.Take(part);
+  room_[0] = out[-1];
+  return room_.data() + 1;
 }
 
 void Writer::Finish(const char16_t* out) {
-  if (in_text_) {
-    ResizeUnfilled(text_, static_cast<std::size_t>(out - text_.data()));
-    if (text_.capacity() / 2 > text_.size()) text_.shrink_to_fit();
-  } else {
-    text_.append(first_room_.data(), static_cast<std::size_t>(out - first_room_.data()));
-  }
+  sink_.End(StringView(room_.data(), static_cast<std::size_t>(out - room_.data())));
 }
 
-// The share of the value that is written, as if all values of a container were of one size.
+// The share of the value that is written, below 1, as if all values of a container were of one
+// size.
 double Writer::Done() const {
-  double done = 1;
-  for (std::size_t index = open_.Size(); index-- > 0;) {
-    const Open& open = open_.Begin()[index];
+  double done = 0.5;
+  const auto widen = [&](const Open& open) {
     const auto written = static_cast<double>(open.next - open.first);
-    done = (written - 1 + done) / static_cast<double>(open.end - open.first);
-  }
+    const auto all = static_cast<double>(open.end - open.first);
+    if (all > 0) done = (written - 1 + done) / all;
+  };
+  widen(here_);
+  for (std::size_t index = open_.Size(); index-- > 0;) widen(open_.Begin()[index]);
   return done;
 }
 
 char16_t* Writer::WriteAll(char16_t* out, const Slot& value) {
-  const bool is_container = value.kind == SlotKind::kContainer;
-  if (!value.IsNested() && !is_container) return WriteScalar(out, value);
-  out = OpenContainer(out, is_container ? CellsOf(value.object) : Cells(value), indent_);
-  while (!open_.Empty()) out = WriteNext(out);
-  return out;
+  if (!value.IsContainer()) return WriteScalar(out, value);
+  return indented_ ? WriteTree<true>(out, value) : WriteTree<false>(out, value);
 }
 
-inline char16_t* Writer::OpenContainer(char16_t* out, const Cells& cells, std::int32_t indent) {
-  *out++ = cells.Keyed() ? u'{' : u'[';
-  if (cells.Count() == 0) {
-    *out++ = cells.Keyed() ? u'}' : u']';
-    return out;
+// Begins a container, which `here` becomes. Containers that were read lie behind those in them.
+template <bool kIndented>
+inline char16_t* Writer::Enter(char16_t* out, Open& here, const Slot& container,
+                               std::int32_t indent) {
+  constexpr std::size_t kAhead = 256;  // bytes
+  const Cells cells =
+      container.kind == SlotKind::kContainer ? CellsOf(container.object) : Cells(container);
+  Expect(reinterpret_cast<std::uintptr_t>(cells.First()) - kAhead);
+  here.next = cells.First();
+  here.first = cells.First();
+  here.end = cells.End();
+  here.keyed = cells.Keyed();
+  if constexpr (kIndented) {
+    here.indent = indent;
+    here.broken = cells.Count() > 1;
   }
-  const bool broken = indented_ && cells.Count() > 1;
-  *open_.New() = {cells.First(), cells.First(), cells.End(), indent, cells.Keyed(), broken};
+  *out++ = cells.Keyed() ? u'{' : u'[';
+  closers_.Add(cells.Keyed() ? u'}' : u']');
+  return cells.Count() == 0 ? out + 1 : out;  // as if behind a comma
+}
+
+// Keeps a container that goes on, or breaks the line before it ends, while one in it is written.
+inline void Writer::Leave(Open& here) {
+  if (here.next != here.end) {
+    Expect(reinterpret_cast<std::uintptr_t>(here.next->cells));
+  } else if (!here.broken) {
+    return;
+  }
+  open_.Add(here);
+  here.closers = closers_.Size();
+}
+
+template <bool kIndented>
+char16_t* Writer::WriteTree(char16_t* out, const Slot& tree) {
+  Open here{};
+  out = Enter<kIndented>(out, here, tree, indent_);
+  for (;;) {
+    const Slot* nested = nullptr;
+    out = WriteUpToNested<kIndented>(out, here, nested);
+    if (nested != nullptr) {
+      const std::int32_t indent = kIndented && here.broken ? here.indent + factor_ : here.indent;
+      Leave(here);
+      out = Enter<kIndented>(out, here, *nested, indent);
+      continue;
+    }
+    out = Close(out, here);
+    if (open_.Empty()) return out;
+    *out++ = u',';
+    here = open_.Last();
+    open_.RemoveLast();
+  }
+}
+
+// Writes the values of a container up to its end or to a container, which `nested` is then.
+template <bool kIndented>
+inline char16_t* Writer::WriteUpToNested(char16_t* out, Open& here, const Slot*& nested) {
+  while (here.next != here.end) {
+    if (out > last_) [[unlikely]] {
+      here_ = here;
+      out = Empty(out);
+    }
+    if constexpr (kIndented) {
+      if (here.broken) out = BreakLine(out, here.indent + factor_);
+    }
+    if (here.keyed) out = WriteKey<kIndented>(out, here, here.next++->Text());
+    const Slot& value = *here.next++;
+    if (value.IsContainer()) {
+      nested = &value;
+      return out;
+    }
+    if (value.kind == SlotKind::kText && value.size > kShort) here_ = here;
+    out = WriteScalar(out, value);
+    *out++ = u',';
+  }
   return out;
 }
 
-// Writes the next value of the innermost container, or its end.
-inline char16_t* Writer::WriteNext(char16_t* out) {
-  out = Room(out, 0);
-  Open& top = open_.Last();
-  if (top.next == top.end) return Close(out, top);
-  out = WriteBefore(out, top);
-  const Slot& value = *top.next++;
-  if (value.IsNested()) return OpenContainer(out, Cells(value), ChildIndent(top));
-  if (value.kind != SlotKind::kContainer) return WriteScalar(out, value);
-  return OpenContainer(out, CellsOf(value.object), ChildIndent(top));
-}
-
-inline char16_t* Writer::Close(char16_t* out, const Open& top) {
-  if (top.broken) out = BreakLine(out, top.indent);
-  *out++ = top.keyed ? u'}' : u']';
-  open_.RemoveLast();
-  return out;
-}
-
-// What stands before a value: comma, line break, key.
-inline char16_t* Writer::WriteBefore(char16_t* out, Open& top) {
-  if (top.next != top.first) *out++ = u',';
-  if (top.broken) out = BreakLine(out, ChildIndent(top));
-  if (!top.keyed) return out;
-  out = WriteText(out, top.next++->Text());
+template <bool kIndented>
+inline char16_t* Writer::WriteKey(char16_t* out, const Open& here, StringView key) {
+  if (key.size() > kShort) [[unlikely]] {
+    here_ = here;
+    out = WriteLongText(out, key);
+  } else {
+    out = WriteShortText(out, key);
+  }
   *out++ = u':';
-  if (indented_) *out++ = u' ';
+  if constexpr (kIndented) *out++ = u' ';
+  return out;
+}
+
+// Ends a container, and with it those that it is the last value of.
+inline char16_t* Writer::Close(char16_t* out, const Open& here) {
+  constexpr std::size_t kFew = 256;
+  --out;
+  if (here.broken) out = BreakLine(out, here.indent);
+  while (closers_.Size() - here.closers > kFew) {
+    out = std::copy_n(std::make_reverse_iterator(closers_.End()), kFew, out);
+    closers_.CutTo(closers_.Size() - kFew);
+    out = Room(out);
+  }
+  out = std::reverse_copy(closers_.Begin() + here.closers, closers_.End(), out);
+  closers_.CutTo(here.closers);
   return out;
 }
 
 char16_t* Writer::BreakLine(char16_t* out, std::int32_t indent) {
-  constexpr std::int32_t kPart = 1024;
   *out++ = u'\n';
-  for (; indent > 0; indent -= kPart) {
-    const auto part = static_cast<std::size_t>(std::min(indent, kPart));
-    out = std::fill_n(Room(out, part), part, u' ');
+  for (; indent > kFewBlanks; indent -= kFewBlanks) {
+    out = Room(std::fill_n(out, kFewBlanks, u' '));
   }
-  return out;
+  return std::fill_n(out, std::max(indent, 0), u' ');
 }
 
-inline char16_t* Writer::WriteText(char16_t* out, StringView text) {
-  constexpr std::size_t kShort = 256;
-  if (text.size() > kShort) return WriteLongText(out, text);
-  out = Room(out, text.size() * kUnitsOfUnit);
-  *out++ = u'"';
-  out = WriteEscaped(out, text, u'\0');
-  *out++ = u'"';
-  return out;
+char16_t* Writer::WriteText(char16_t* out, StringView text) {
+  return text.size() > kShort ? WriteLongText(out, text) : WriteShortText(out, text);
 }
 
+// In parts, none of which ends between a '<' and its '/'.
 char16_t* Writer::WriteLongText(char16_t* out, StringView text) {
-  constexpr std::size_t kPart = 1024;  // units that room is made for at once
   *out++ = u'"';
-  for (std::size_t start = 0; start < text.size(); start += kPart) {
-    const StringView part = text.substr(start, kPart);
-    out = Room(out, part.size() * kUnitsOfUnit);
-    out = WriteEscaped(out, part, start > 0 ? text[start - 1] : u'\0');
+  while (!text.empty()) {
+    std::size_t size = std::min(text.size(), kShort);
+    if (size < text.size() && text[size - 1] == u'<' && text[size] == u'/') ++size;
+    out = Room(WriteEscaped(out, text.substr(0, size)));
+    text.remove_prefix(size);
   }
   *out++ = u'"';
   return out;
 }
 
-char16_t* Writer::WriteWord(char16_t* out, StringView word) {
+char16_t* WriteWord(char16_t* out, StringView word) {
   return std::copy(word.begin(), word.end(), out);
 }
 
 // A value that is no container.
-char16_t* Writer::WriteScalar(char16_t* out, const Slot& value) {
+inline char16_t* Writer::WriteScalar(char16_t* out, const Slot& value) {
+  if (value.kind == SlotKind::kText) return WriteText(out, value.Text());
+  if (value.kind == SlotKind::kInteger) return WriteInteger(out, value.integer);
+  if (value.kind == SlotKind::kDecimal) return WriteDecimal(out, value);
+  return WriteRare(out, value);
+}
+
+char16_t* Writer::WriteRare(char16_t* out, const Slot& value) {
   switch (value.kind) {
-    case SlotKind::kText: return WriteText(out, value.Text());
-    case SlotKind::kInteger: return WriteInteger(out, value.integer);
-    case SlotKind::kDouble: return WriteDouble(Room(out, kUnitsOfDouble), value.number);
-    case SlotKind::kDecimal: return WriteDecimal(Room(out, kUnitsOfDouble), value);
+    case SlotKind::kDouble: return WriteDouble(out, value.number);
     case SlotKind::kFalse: return WriteWord(out, u"false");
     case SlotKind::kTrue: return WriteWord(out, u"true");
     case SlotKind::kBoxed: return WriteBoxed(out, value);
@@ -226,19 +290,19 @@ char16_t* Writer::WriteBoxed(char16_t* out, const Slot& value) {
 }  // namespace
 
 void AppendQuoted(String& out, StringView text) {
-  Writer(out, std::nullopt).WriteQuoted(text);
+  TextSink<String> sink(out);
+  Writer(sink, std::nullopt).WriteQuoted(text);
 }
 
 void AppendValue(String& out, const Slot& value, std::optional<Indentation> indentation) {
-  Writer(out, indentation).Write(value);
+  TextSink<String> sink(out);
+  Writer(sink, indentation).Write(value);
 }
 
 AnsiString WrittenUtf8(const Slot& value) {
-  String text;
-  AppendValue(text, value);
-  AnsiString bytes(text.size(), '\0');
-  std::transform(text.begin(), text.end(), bytes.begin(),
-                 [](char16_t unit) { return static_cast<char>(unit); });
+  AnsiString bytes;
+  TextSink<AnsiString> sink(bytes);
+  Writer(sink, std::nullopt).Write(value);
   return bytes;
 }
 
