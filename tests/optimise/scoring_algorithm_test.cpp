@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <limits>
 
 #include "optimise/plain_scoring.h"
@@ -159,7 +161,10 @@ TEST(TScoringAlgorithm, TellsHowFarItIs) {
     TScoringAlgorithm scoring;
     scoring.SetOnProgress([&](std::int64_t now) { looks.push_back(now); });
     scoring.Execute(rows, rows, Weights(static_cast<std::size_t>(columns), 1), 0);
-    EXPECT_EQ(looks, (std::vector<std::int64_t>{256, 512})) << columns << " columns";
+    ASSERT_GE(looks.size(), 6U) << columns << " columns";
+    EXPECT_LT(looks.front(), 300);  // when the first table is not read yet
+    EXPECT_EQ(std::adjacent_find(looks.begin(), looks.end(), std::greater_equal()), looks.end());
+    EXPECT_GT(looks.back(), 1200 + 300);  // 1,200 when both are read
   }
 }
 

@@ -12,12 +12,6 @@ namespace zentavo::optimise_internal {
 
 namespace {
 
-// The cell of a row, null when it is empty or missing.
-const Variant* CellOf(const Row& row, std::size_t place) {
-  if (place >= row.size() || IsEmptyCell(row[place])) return nullptr;
-  return &row[place];
-}
-
 constexpr unsigned BitOf(VariantKind kind) {
   return 1U << static_cast<unsigned>(kind);
 }
@@ -41,32 +35,16 @@ constexpr bool AllOf(unsigned kinds, unsigned allowed) {
 // How many rows ahead their cells are asked of the memory, where they lie scattered.
 constexpr std::size_t kRowsAhead = 16;
 
-void PrefetchRow(Rows rows, std::size_t row, std::size_t place) {
-  if (row < rows.size()) ValueCodes::Prefetch(rows[row].data() + place);
-}
-
 // The kinds of the values in each column.
 std::vector<unsigned> KindsIn(Rows rows, std::size_t columns) {
   std::vector<unsigned> kinds(columns);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    PrefetchRow(rows, i + kRowsAhead, 0);
+    PrefetchCells(rows, i + kRowsAhead, columns);
     for (std::size_t place = 0; place < columns; ++place) {
       if (const Variant* cell = CellOf(rows[i], place)) kinds[place] |= BitOf(cell->Kind());
     }
   }
   return kinds;
-}
-
-// The key of a cell in a column of one sort; false for NaN, which equals nothing.
-bool KeyOf(const Variant& cell, ValueKey& key) {
-  switch (cell.Kind()) {
-    case VariantKind::kString: key = ValueKey::OfText(cell.StringValue()); return true;
-    case VariantKind::kCurrency: key = ValueKey::OfInteger(cell.CurrencyUnitsValue()); return true;
-    case VariantKind::kBoolean: key = ValueKey::OfInteger(cell.BooleanValue() ? 1 : 0); return true;
-    case VariantKind::kInteger:
-    case VariantKind::kInt64: key = ValueKey::OfInteger(cell.Int64Value()); return true;
-    default: key = ValueKey::OfReal(cell.DoubleValue()); return !std::isnan(cell.DoubleValue());
-  }
 }
 
 bool AnyTextReadsAsNumber(Rows rows, std::size_t place) {
@@ -75,52 +53,6 @@ bool AnyTextReadsAsNumber(Rows rows, std::size_t place) {
     return cell != nullptr && cell->IsString() &&
            TryStrToFloat(cell->StringValue(), u'.').has_value();
   });
-}
-
-// Stretches of the number line, so wide that what lies within the tolerance of a number, rounding
-// included, is in at most two of them.
-class Grid {
- public:
-  explicit Grid(double tolerance) : width_(4 * tolerance), reach_(1.25 * tolerance) {}
-
-  bool IsUsable() const { return std::isfinite(width_); }
-  // Far from 0 the stretches get lost in rounding.
-  bool Holds(double value) const { return std::fabs(value / width_) < 0x1p50; }
-  ValueKey StretchOf(double value) const { return ValueKey::OfReal(std::floor(value / width_)); }
-  ValueKey LowerStretch(double value) const { return StretchOf(value - reach_); }
-  ValueKey UpperStretch(double value) const { return StretchOf(value + reach_); }
-
- private:
-  double width_;
-  double reach_;
-};
-
-// Calls take(row, key) for the column's cells that have a key. In blocks, so that the memory brings
-// what many rows need at the same time.
-template <typename CellKey, typename Take>
-void ForEachKey(Rows rows, std::size_t place, const ValueCodes& codes, CellKey cell_key,
-                Take take) {
-  constexpr std::size_t kBlock = 32;
-  std::array<const Variant*, kBlock> cells;
-  std::array<ValueKey, kBlock> keys;
-  std::array<std::size_t, kBlock> places;
-  for (std::size_t begin = 0; begin < rows.size(); begin += kBlock) {
-    const std::size_t end = std::min(begin + kBlock, rows.size());
-    for (std::size_t i = begin; i < end; ++i) {
-      PrefetchRow(rows, i + kBlock, place);
-      const Variant* cell = cells[i - begin] = CellOf(rows[i], place);
-      if (cell != nullptr && cell->IsString()) ValueCodes::Prefetch(cell->StringValue().data());
-    }
-    std::size_t count = 0;
-    for (std::size_t i = begin; i < end; ++i) {
-      const Variant* cell = cells[i - begin];
-      if (cell == nullptr || !cell_key(*cell, keys[count])) continue;
-      codes.PrefetchSlot(keys[count]);
-      places[count++] = i;
-    }
-    for (std::size_t k = 0; k < count; ++k) codes.PrefetchKept(keys[k]);
-    for (std::size_t k = 0; k < count; ++k) take(places[k], keys[k]);
-  }
 }
 
 bool GridHolds(const Grid& grid, Rows rows, std::size_t place) {
@@ -134,7 +66,7 @@ bool GridHolds(const Grid& grid, Rows rows, std::size_t place) {
 }  // namespace
 
 MatchTables::MatchTables(Rows left, Rows right, std::span<const std::int32_t> weights,
-                         double tolerance)
+                         double tolerance, LookCounter& looks)
     : left_(left),
       right_(right),
       tolerance_(tolerance),
@@ -143,14 +75,9 @@ MatchTables::MatchTables(Rows left, Rows right, std::span<const std::int32_t> we
   AddColumns(weights);
   left_codes_.assign(left.size() * left_width_, kNoCode);
   right_codes_.assign(right.size() * right_width_, kNoRightCode);
-  ValueCodes codes;
+  Encode(looks);
   for (std::size_t column = 0; column < columns_.size(); ++column) {
-    if (columns_[column].comparison == Comparison::kCells) {
-      MarkCells(column);
-    } else {
-      codes.Reset(right.size());
-      Encode(column, codes);
-    }
+    if (columns_[column].comparison == Comparison::kCells) MarkCells(column);
   }
 }
 
@@ -160,7 +87,8 @@ void MatchTables::AddColumns(std::span<const std::int32_t> weights) {
   for (std::size_t place = 0; place < weights.size(); ++place) {
     if (weights[place] == 0) continue;
     const Comparison comparison = ComparisonOf(place, left_kinds[place], right_kinds[place]);
-    columns_.push_back({place, weights[place], comparison, 0});
+    const bool has_texts = ((left_kinds[place] | right_kinds[place]) & kTexts) != 0;
+    columns_.push_back({place, weights[place], comparison, 0, has_texts});
     all_by_code_ = all_by_code_ && comparison == Comparison::kEqualCodes;
   }
   left_width_ = right_width_ = columns_.size();
@@ -190,52 +118,79 @@ Comparison MatchTables::ComparisonOf(std::size_t place, unsigned left_kinds,
   return Comparison::kCells;
 }
 
-void MatchTables::Encode(std::size_t column, ValueCodes& codes) {
-  const MatchColumn& encoded = columns_[column];
-  const bool near = encoded.comparison == Comparison::kNearCodes;
-  const Grid grid(tolerance_);
-  const auto stretch = [&](const Variant& cell, ValueKey& key) {
-    key = grid.StretchOf(VarToDouble(cell));
-    return true;
-  };
-  near ? EncodeRight(column, codes, stretch) : EncodeRight(column, codes, KeyOf);
-
-  std::vector<bool> met(codes.Count());
-  const auto take = [&](std::size_t row, std::size_t code_place, const ValueKey& key) {
-    const Code code = codes.Find(key);
-    if (code == kNoCode) return;
-    left_codes_[row * left_width_ + code_place] = code;
-    left_sets_[row] |= ColumnSet{1} << column;
-    met[static_cast<std::size_t>(code)] = true;
-  };
-  if (near) {
-    for (std::size_t row = 0; row < left_.size(); ++row) {
-      const Variant* cell = CellOf(left_[row], encoded.place);
-      if (cell == nullptr) continue;
-      take(row, column, grid.LowerStretch(VarToDouble(*cell)));
-      take(row, encoded.second_code, grid.UpperStretch(VarToDouble(*cell)));
-    }
-  } else {
-    ForEachKey(left_, encoded.place, codes, KeyOf,
-               [&](std::size_t row, const ValueKey& key) { take(row, column, key); });
+std::vector<CodePlace> MatchTables::RightPlaces() const {
+  std::vector<CodePlace> places;
+  for (std::size_t column = 0; column < columns_.size(); ++column) {
+    const MatchColumn& one = columns_[column];
+    if (one.comparison == Comparison::kCells) continue;
+    const bool near = one.comparison == Comparison::kNearCodes;
+    places.push_back(
+        {one.place, column, column, near ? KeySort::kStretch : KeySort::kValue, one.has_texts});
   }
-  MarkMet(column, met);
+  return places;
 }
 
-template <typename CellKey>
-void MatchTables::EncodeRight(std::size_t column, ValueCodes& codes, CellKey cell_key) {
-  ForEachKey(right_, columns_[column].place, codes, cell_key,
-             [&](std::size_t row, const ValueKey& key) {
-               right_codes_[row * right_width_ + column] = codes.Insert(key);
-             });
+std::vector<CodePlace> MatchTables::LeftPlaces() const {
+  std::vector<CodePlace> places = RightPlaces();
+  for (std::size_t i = places.size(); i-- > 0;) {
+    if (places[i].sort != KeySort::kStretch) continue;
+    CodePlace upper = places[i];
+    places[i].sort = KeySort::kLowerStretch;
+    upper.sort = KeySort::kUpperStretch;
+    upper.code = columns_[upper.column].second_code;
+    places.push_back(upper);
+  }
+  return places;
 }
 
-// Adds the column to the right rows whose value some left row may agree with.
-void MatchTables::MarkMet(std::size_t column, const std::vector<bool>& met) {
+void MatchTables::Encode(LookCounter& looks) {
+  std::vector<ValueCodes> codes(columns_.size(), ValueCodes(right_.size()));
+  EncodeRight(codes, looks);
+  MarkMet(EncodeLeft(codes, looks));
+}
+
+void MatchTables::EncodeRight(std::span<ValueCodes> codes, LookCounter& looks) {
+  const std::vector<CodePlace> places = RightPlaces();
+  for (KeyWalk walk(right_, places, codes, Grid(tolerance_)); walk.Next();) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      ValueCodes& column_codes = codes[places[i].column];
+      for (const KeyedRow& keyed : walk.Keys(i)) {
+        right_codes_[keyed.row * right_width_ + places[i].code] = column_codes.Insert(keyed.key);
+      }
+    }
+    looks.Count(static_cast<std::int64_t>(walk.RowCount()));
+  }
+}
+
+MatchTables::MetCodes MatchTables::EncodeLeft(std::span<const ValueCodes> codes,
+                                              LookCounter& looks) {
+  MetCodes met;
+  for (const ValueCodes& column_codes : codes) met.emplace_back(column_codes.Count());
+  const std::vector<CodePlace> places = LeftPlaces();
+  for (KeyWalk walk(left_, places, codes, Grid(tolerance_)); walk.Next();) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      const std::size_t column = places[i].column;
+      for (const KeyedRow& keyed : walk.Keys(i)) {
+        const Code code = codes[column].Find(keyed.key);
+        if (code == kNoCode) continue;
+        left_codes_[keyed.row * left_width_ + places[i].code] = code;
+        left_sets_[keyed.row] |= ColumnSet{1} << column;
+        met[column][static_cast<std::size_t>(code)] = true;
+      }
+    }
+    looks.Count(static_cast<std::int64_t>(walk.RowCount()));
+  }
+  return met;
+}
+
+// Adds to each right row the columns in which some left row has its value.
+void MatchTables::MarkMet(const MetCodes& met) {
   for (std::size_t i = 0; i < right_.size(); ++i) {
-    const Code code = right_codes_[i * right_width_ + column];
-    if (code >= 0 && met[static_cast<std::size_t>(code)]) {
-      right_sets_[i] |= ColumnSet{1} << column;
+    for (std::size_t column = 0; column < right_width_; ++column) {
+      const Code code = right_codes_[i * right_width_ + column];
+      if (code >= 0 && met[column][static_cast<std::size_t>(code)]) {
+        right_sets_[i] |= ColumnSet{1} << column;
+      }
     }
   }
 }
@@ -251,7 +206,7 @@ void MatchTables::MarkCells(std::size_t column) {
   }
 }
 
-std::int32_t MatchTables::Score(RowIndex left, RowIndex right) const {
+std::int32_t MatchTables::CalcScore(RowIndex left, RowIndex right) const {
   const Code* const left_codes = LeftCodes(left);
   const Code* const right_codes = RightCodes(right);
   std::uint32_t score = 0;

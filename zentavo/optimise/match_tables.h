@@ -6,13 +6,12 @@
 #include <span>
 #include <vector>
 
-#include "zentavo/framework/variant.h"
+#include "zentavo/optimise/cell_keys.h"
+#include "zentavo/optimise/look_counter.h"
 #include "zentavo/optimise/value_codes.h"
 
 namespace zentavo::optimise_internal {
 
-using Row = std::vector<Variant>;
-using Rows = std::span<const Row>;
 using RowIndex = std::int32_t;
 using ColumnSet = std::uint32_t;  // bit c: column c of MatchTables::Columns()
 
@@ -27,12 +26,15 @@ struct MatchColumn {
   std::int32_t weight;
   Comparison comparison;
   std::size_t second_code;  // of kNearCodes: where the left row has it
+  bool has_texts;           // in some row
 };
 
 // Refers to the rows, which must outlive it. Columns of weight 0 are left out.
 class MatchTables {
  public:
-  MatchTables(Rows left, Rows right, std::span<const std::int32_t> weights, double tolerance);
+  // Counts a look at each row.
+  MatchTables(Rows left, Rows right, std::span<const std::int32_t> weights, double tolerance,
+              LookCounter& looks);
 
   std::span<const MatchColumn> Columns() const { return columns_; }
   RowIndex LeftCount() const { return static_cast<RowIndex>(left_.size()); }
@@ -42,17 +44,22 @@ class MatchTables {
   ColumnSet RightColumns(RowIndex right) const { return right_sets_[At(right)]; }
   const Code* LeftCodes(RowIndex left) const { return &left_codes_[At(left) * left_width_]; }
   const Code* RightCodes(RowIndex right) const { return &right_codes_[At(right) * right_width_]; }
-  std::int32_t Score(RowIndex left, RowIndex right) const;
+  std::int32_t CalcScore(RowIndex left, RowIndex right) const;
 
  private:
   static std::size_t At(RowIndex row) { return static_cast<std::size_t>(row); }
   Comparison ComparisonOf(std::size_t place, unsigned left_kinds, unsigned right_kinds) const;
   void AddColumns(std::span<const std::int32_t> weights);
-  void Encode(std::size_t column, ValueCodes& codes);
-  template <typename CellKey>
-  void EncodeRight(std::size_t column, ValueCodes& codes, CellKey cell_key);
+  std::vector<CodePlace> RightPlaces() const;
+  std::vector<CodePlace> LeftPlaces() const;
+  // The values of the right columns that left rows have, by code.
+  using MetCodes = std::vector<std::vector<bool>>;
+
+  void Encode(LookCounter& looks);
+  void EncodeRight(std::span<ValueCodes> codes, LookCounter& looks);
+  MetCodes EncodeLeft(std::span<const ValueCodes> codes, LookCounter& looks);
   void MarkCells(std::size_t column);
-  void MarkMet(std::size_t column, const std::vector<bool>& met);
+  void MarkMet(const MetCodes& met);
   bool Agree(std::size_t column, RowIndex left, RowIndex right) const;
 
   Rows left_;

@@ -11,7 +11,7 @@ namespace {
 
 // The indexes that are needed at once take at most this much for each row of the tables.
 constexpr std::size_t kIndexBytesPerRow = 1024;
-constexpr std::size_t kRowsAhead = 8;  // at which the memory is asked for what they need
+constexpr std::size_t kBlock = 32;  // rows
 // Looking a row up costs about as much as comparing this many pairs by codes.
 constexpr double kPairsPerLookup = 2;
 
@@ -22,10 +22,10 @@ std::size_t At(RowIndex row) {
 }  // namespace
 
 Matcher::Matcher(const MatchTables& tables, std::span<const std::int32_t> targets,
-                 const ProgressEvent& on_progress)
+                 LookCounter& looks)
     : tables_(tables),
       targets_(targets),
-      on_progress_(on_progress),
+      looks_(looks),
       rights_(At(tables.RightCount())),
       done_(At(tables.LeftCount())),
       used_(At(tables.RightCount())) {
@@ -99,14 +99,7 @@ bool Matcher::RunEqualSubsets(std::span<const Subset> subsets) {
   const std::size_t times = TimesOf(score);
   for (std::size_t time = 0; time < times && !asked.empty(); ++time) {
     again_.clear();
-    for (std::size_t i = 0; i < asked.size(); ++i) {
-      Prefetch(asked.subspan(i));
-      const RowIndex left = asked[i];
-      const RowIndex right = FirstOf(left, score);
-      if (right == tables_.RightCount()) continue;
-      Match(left, right, score);
-      again_.push_back(left);
-    }
+    MatchEach(asked, score);
     matched_.swap(again_);
     asked = matched_;
   }
@@ -131,30 +124,53 @@ bool Matcher::BuildIndexes(std::span<const Subset> subsets) {
   return true;
 }
 
-// Asks the memory for what the left rows further on need.
-void Matcher::Prefetch(std::span<const RowIndex> asked) const {
-  const auto at_distance = [&](std::size_t distance, auto prefetch) {
-    if (distance >= asked.size()) return;
-    const RowIndex left = asked[distance];
-    for (std::size_t i = 0; i < index_count_; ++i) {
-      if ((indexes_[i].Columns() & ~tables_.LeftColumns(left)) == 0) {
-        (indexes_[i].*prefetch)(tables_, left);
+// In blocks, so that the memory brings what many rows need at the same time.
+void Matcher::MatchEach(std::span<const RowIndex> lefts, std::int32_t score) {
+  places_.resize(kBlock * index_count_);
+  for (std::size_t begin = 0; begin < lefts.size(); begin += kBlock) {
+    const std::size_t end = std::min(begin + kBlock, lefts.size());
+    for (std::size_t i = end; i < std::min(end + kBlock, lefts.size()); ++i) {
+      Prefetch(tables_.LeftCodes(lefts[i]));
+    }
+    MatchBlock(lefts.subspan(begin, end - begin), score);
+  }
+}
+
+void Matcher::MatchBlock(std::span<const RowIndex> lefts, std::int32_t score) {
+  const auto for_each_place = [&](auto take) {
+    std::size_t* place = places_.data();
+    for (const RowIndex left : lefts) {
+      for (std::size_t i = 0; i < index_count_; ++i, ++place) {
+        if (CanAgree(indexes_[i], left)) take(indexes_[i], left, *place);
       }
     }
   };
-  at_distance(2 * kRowsAhead, &SubsetIndex::PrefetchSlot);
-  at_distance(kRowsAhead, &SubsetIndex::PrefetchFirst);
+  for_each_place([&](const SubsetIndex& index, RowIndex left, std::size_t& place) {
+    place = index.PrefetchPlace(tables_, left);
+  });
+  for_each_place([&](const SubsetIndex& index, RowIndex, std::size_t place) {
+    index.PrefetchFirst(tables_, place);
+  });
+  for (std::size_t i = 0; i < lefts.size(); ++i) {
+    const RowIndex right = FirstOf(lefts[i], &places_[i * index_count_], score);
+    if (right == tables_.RightCount()) continue;
+    Match(lefts[i], right, score);
+    again_.push_back(lefts[i]);
+  }
+}
+
+bool Matcher::CanAgree(const SubsetIndex& index, RowIndex left) const {
+  return (index.Columns() & ~tables_.LeftColumns(left)) == 0;
 }
 
 // The first unused right row that scores `score`, the number of right rows when there is none.
-RowIndex Matcher::FirstOf(RowIndex left, std::int32_t score) {
-  CountLook();
+RowIndex Matcher::FirstOf(RowIndex left, const std::size_t* places, std::int32_t score) {
+  looks_.Count(1);
   RowIndex first = tables_.RightCount();
-  const ColumnSet columns = tables_.LeftColumns(left);
   for (std::size_t i = 0; i < index_count_; ++i) {
     SubsetIndex& index = indexes_[i];
-    if ((index.Columns() & ~columns) != 0) continue;
-    first = index.First(tables_, used_, left, first, score);
+    if (!CanAgree(index, left)) continue;
+    first = index.First(tables_, used_, left, places[i], first, score);
   }
   return first;
 }
@@ -210,11 +226,11 @@ void Matcher::Enqueue(std::vector<Candidate>& queue, const Candidate& candidate)
 }
 
 Matcher::Candidate Matcher::BestOf(RowIndex left) {
-  CountLook();
+  looks_.Count(1);
   Candidate best{0, left, 0};
   for (const RowIndex right : rights_) {
     if (used_[At(right)] != 0) continue;
-    const std::int32_t score = tables_.Score(left, right);
+    const std::int32_t score = tables_.CalcScore(left, right);
     if (score > best.score) best = {score, left, right};
   }
   return best;
@@ -240,11 +256,6 @@ void Matcher::RunZero() {
 std::size_t Matcher::TimesOf(std::int32_t score) const {
   const auto [first, last] = std::equal_range(targets_.begin(), targets_.end(), score);
   return static_cast<std::size_t>(last - first);
-}
-
-void Matcher::CountLook() {
-  constexpr std::int64_t kLooksBetweenReports = 256;
-  if (++looks_ % kLooksBetweenReports == 0 && on_progress_) on_progress_(looks_);
 }
 
 void Matcher::Match(RowIndex left, RowIndex right, std::int32_t score) {

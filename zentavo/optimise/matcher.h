@@ -12,10 +12,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <vector>
 
+#include "zentavo/optimise/look_counter.h"
 #include "zentavo/optimise/match_tables.h"
 #include "zentavo/optimise/subset_index.h"
 
@@ -25,11 +25,9 @@ class Matcher {
  public:
   using Matches = std::array<std::vector<std::int32_t>, 3>;
 
-  using ProgressEvent = std::function<void(std::int64_t looks)>;
-
   // `targets` are ascending and hold the score of every pair. All three must outlive the matcher.
-  Matcher(const MatchTables& tables, std::span<const std::int32_t> targets,
-          const ProgressEvent& on_progress);
+  // Counts each look at a left row.
+  Matcher(const MatchTables& tables, std::span<const std::int32_t> targets, LookCounter& looks);
   Matches Run();
 
  private:
@@ -50,8 +48,10 @@ class Matcher {
   void RunSubsets();
   bool RunEqualSubsets(std::span<const Subset> subsets);
   bool BuildIndexes(std::span<const Subset> subsets);
-  void Prefetch(std::span<const RowIndex> asked) const;
-  RowIndex FirstOf(RowIndex left, std::int32_t score);
+  void MatchEach(std::span<const RowIndex> lefts, std::int32_t score);
+  void MatchBlock(std::span<const RowIndex> lefts, std::int32_t score);
+  bool CanAgree(const SubsetIndex& index, RowIndex left) const;
+  RowIndex FirstOf(RowIndex left, const std::size_t* places, std::int32_t score);
   void RunScan();
   void RunScanAt(std::vector<Candidate>& queue, std::int32_t score);
   static bool IsBehind(const Candidate& a, const Candidate& b);
@@ -59,16 +59,13 @@ class Matcher {
   Candidate BestOf(RowIndex left);
   void RunZero();
   std::size_t TimesOf(std::int32_t score) const;
-  // Counts a look at a left row.
-  void CountLook();
   void Match(RowIndex left, RowIndex right, std::int32_t score);
   void Finish(std::span<const RowIndex> lefts);
   void DropUsed();
 
   const MatchTables& tables_;
   std::span<const std::int32_t> targets_;
-  const ProgressEvent& on_progress_;
-  std::int64_t looks_ = 0;
+  LookCounter& looks_;
   ColumnSet columns_ = 0;           // on which any rows may agree
   std::vector<Subset> subsets_;     // of a score above 0, the highest first
   std::vector<RowIndex> lefts_;     // not done, and able to agree on some column; ascending
@@ -77,8 +74,9 @@ class Matcher {
   UsedRows used_;
   std::vector<SubsetIndex> indexes_;
   std::size_t index_count_ = 0;
-  std::vector<RowIndex> matched_;  // left rows, in one pass
-  std::vector<RowIndex> again_;    // the same in the next
+  std::vector<std::size_t> places_;  // in the indexes, for a block of left rows
+  std::vector<RowIndex> matched_;    // left rows, in one pass
+  std::vector<RowIndex> again_;      // the same in the next
   Matches matches_;
 };
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "zentavo/foundation/errors.h"
+#include "zentavo/optimise/look_counter.h"
+#include "zentavo/optimise/match_tables.h"
 #include "zentavo/optimise/matcher.h"
 
 namespace zentavo {
@@ -26,13 +28,14 @@ TScoringAlgorithm::Matches TScoringAlgorithm::Execute(std::span<const TScoreRow>
   FRight = ARight;
   FDiff = ADiff;
   FColSize = CalcColSize();
-  FScores.reserve(FScores.size() + (std::size_t{1} << (FColSize + 1)));
+  const auto columns = static_cast<std::size_t>(FColSize) + 1;
+  FScores.reserve(FScores.size() + (std::size_t{1} << columns));
   GetScores(FWeights, 0, 0, FColSize);
   std::sort(FScores.begin(), FScores.end());
-  const auto columns = static_cast<std::size_t>(FColSize + 1);
+  optimise_internal::LookCounter looks(on_progress_);
   const optimise_internal::MatchTables tables(FLeft, FRight, std::span(FWeights).first(columns),
-                                              FDiff);
-  Matches matches = optimise_internal::Matcher(tables, FScores, on_progress_).Run();
+                                              FDiff, looks);
+  Matches matches = optimise_internal::Matcher(tables, FScores, looks).Run();
   FLeft = FRight = {};
   return matches;
 }

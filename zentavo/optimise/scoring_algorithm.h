@@ -43,8 +43,9 @@ class ZENTAVO_API TScoringAlgorithm {
   // The matches in the order in which they are made.
   using Matches = std::array<std::vector<std::int32_t>, 3>;  // left rows, right rows, scores
 
-  // Called now and then during a run with how often a left row has been looked at so far; that may
-  // be more than once for each. Empty for none.
+  // Called now and then during a run with how often a row has been looked at so far: the rows of
+  // both tables when they are read, then the left ones, which may be more than once for each. Empty
+  // for none.
   using TProgressEvent = std::function<void(std::int64_t Looks)>;
   void SetOnProgress(TProgressEvent OnProgress) { on_progress_ = std::move(OnProgress); }
 

@@ -39,7 +39,7 @@ bool SubsetIndex::Build(const MatchTables& tables, ColumnSet columns,
     for (; in_block < kBlock && row != rows.rend(); ++row) {
       if (!can_agree(*row)) continue;
       places[in_block] = PlaceOf(tables.RightCodes(*row));
-      ValueCodes::Prefetch(&slots_[places[in_block]]);
+      Prefetch(&slots_[places[in_block]]);
       block[in_block++] = *row;
     }
     for (std::size_t i = 0; i < in_block; ++i) {
@@ -51,16 +51,11 @@ bool SubsetIndex::Build(const MatchTables& tables, ColumnSet columns,
   return true;
 }
 
-void SubsetIndex::PrefetchSlot(const MatchTables& tables, RowIndex left) const {
-  if (near_.empty()) ValueCodes::Prefetch(&slots_[PlaceOf(tables.LeftCodes(left))]);
-}
-
-void SubsetIndex::PrefetchFirst(const MatchTables& tables, RowIndex left) const {
-  if (!near_.empty()) return;
-  const RowIndex head = slots_[PlaceOf(tables.LeftCodes(left))];
+void SubsetIndex::PrefetchFirst(const MatchTables& tables, std::size_t place) const {
+  const RowIndex head = slots_[place];
   if (head == kNoRow) return;
-  ValueCodes::Prefetch(tables.RightCodes(head));
-  ValueCodes::Prefetch(&next_[At(head)]);
+  Prefetch(tables.RightCodes(head));
+  Prefetch(&next_[At(head)]);
 }
 
 void SubsetIndex::ChooseKey(const MatchTables& tables) {
@@ -113,10 +108,10 @@ bool SubsetIndex::SameKey(const Code* a, const Code* b) const {
 }
 
 RowIndex SubsetIndex::First(const MatchTables& tables, const UsedRows& used, RowIndex left,
-                            RowIndex limit, std::int32_t score) {
+                            std::size_t place, RowIndex limit, std::int32_t score) {
   const Code* const codes = tables.LeftCodes(left);
   if (near_.empty()) {
-    return FirstInList(tables, used, left, limit, score, SlotOf(tables, codes));
+    return FirstInList(tables, used, left, limit, score, SlotFrom(place, tables, codes));
   }
   // Each near column by its first or its second code, in all combinations.
   for (unsigned choice = 0; choice < 1U << near_.size(); ++choice) {
@@ -144,7 +139,7 @@ RowIndex SubsetIndex::FirstInList(const MatchTables& tables, const UsedRows& use
     if (used[At(row)] != 0) {
       if (next == kNoRow) break;
       *link = next;
-    } else if (!needs_score_ || tables.Score(left, row) == score) {
+    } else if (!needs_score_ || tables.CalcScore(left, row) == score) {
       return row;
     } else {
       link = &next;

@@ -20,15 +20,19 @@ class SubsetIndex {
   bool Build(const MatchTables& tables, ColumnSet columns, std::span<const RowIndex> rows);
   ColumnSet Columns() const { return columns_; }
 
-  // Asks the memory for what First for that left row will touch: its list's slot, and then, behind
-  // that, the first row of the list.
-  void PrefetchSlot(const MatchTables& tables, RowIndex left) const;
-  void PrefetchFirst(const MatchTables& tables, RowIndex left) const;
+  // Where the search for a left row begins. Asks the memory for that place and, in a second call,
+  // for the first row found there.
+  std::size_t PrefetchPlace(const MatchTables& tables, RowIndex left) const {
+    const std::size_t place = PlaceOf(tables.LeftCodes(left));
+    Prefetch(&slots_[place]);
+    return place;
+  }
+  void PrefetchFirst(const MatchTables& tables, std::size_t place) const;
 
   // The first row before `limit` that is not used and, with `score`, scores exactly that beside
   // the left row; `limit` when there is none. The left row can agree on all columns.
-  RowIndex First(const MatchTables& tables, const UsedRows& used, RowIndex left, RowIndex limit,
-                 std::int32_t score);
+  RowIndex First(const MatchTables& tables, const UsedRows& used, RowIndex left, std::size_t place,
+                 RowIndex limit, std::int32_t score);
 
   // Roughly, for `rows` rows.
   static std::size_t Bytes(std::size_t rows) {
