@@ -59,8 +59,8 @@ void TGeneticAlgorithm::Execute(const std::shared_ptr<IFitness>& Afitness, TDate
   below_threshold_ = has_looked_ = false;
   if (has_seed_) random_.Seed(seed_);
   // The call-backs may drop the owner's last reference.
-  const std::shared_ptr<IFitness> kept =
-      Afitness;  // NOLINT(performance-unnecessary-copy-initialization)
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+  const std::shared_ptr<IFitness> kept = Afitness;
   try {
     if (kept == nullptr) ZentavoError(u"No fitness to search by");
     Run(*kept, {AUntilTime, AElasticCount, AMask, AMasksExc});

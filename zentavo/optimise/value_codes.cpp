@@ -19,7 +19,8 @@ ValueCodes::ValueCodes(std::size_t most)
 
 bool ValueCodes::SameText(const Key& kept, const ValueKey& key) {
   if (!key.IsText() || kept.text == nullptr || kept.text == &ValueKey::kReal) return false;
-  return std::memcmp(kept.text, key.text_, (kept.bits >> 32) * sizeof(char16_t)) == 0;
+  const auto units = static_cast<std::size_t>(kept.bits >> 32);
+  return std::memcmp(kept.text, key.text_, units * sizeof(char16_t)) == 0;
 }
 
 std::uint32_t ValueCodes::HashOf(const Key& key) {

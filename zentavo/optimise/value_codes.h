@@ -31,7 +31,7 @@ class ValueKey {
   // The text must outlive the codes.
   void SetText(StringView value) {
     hash_ = HashOf(text_hash::Hash(0, value));
-    bits_ = value.size() << 32 | hash_;
+    bits_ = std::uint64_t{value.size()} << 32 | hash_;
     text_ = value.data();
   }
 
