@@ -304,7 +304,7 @@ TEST(TGeneticAlgorithm, RandomGenesStayWithinTheirBound) {
       const auto gene = StringView(genes).substr(at, static_cast<std::size_t>(row.gene_size));
       ++seen.at(static_cast<std::size_t>(Search::BinToDec(gene)));
     }
-    for (const int times : seen) EXPECT_NEAR(times, 8000 / row.values, 200);
+    for (const int times : seen) EXPECT_NEAR(times, 8000.0 / row.values, 200);
     EXPECT_EQ(search.GetRandomBits(9, 2).size(), 7U);
   }
 }

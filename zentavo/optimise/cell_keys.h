@@ -1,6 +1,7 @@
 // The keys of tables' cells, by which codes are given to them.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -57,13 +58,12 @@ struct CodePlace {
   bool has_texts;  // in some row
 };
 
-// Asks the memory for the row's cells, up to the last that counts.
+// Asks the memory for the first `cells` cells of a row, if there is that row.
 inline void PrefetchCells(Rows rows, std::size_t row, std::size_t cells) {
   constexpr std::size_t kCellsAtOnce = 64 / sizeof(Variant);
   if (row >= rows.size()) return;
-  for (std::size_t cell = 0; cell < cells; cell += kCellsAtOnce) {
-    PrefetchFar(rows[row].data() + cell);
-  }
+  cells = std::min(cells, rows[row].size());
+  for (std::size_t cell = 0; cell < cells; cell += kCellsAtOnce) PrefetchFar(&rows[row][cell]);
 }
 
 struct KeyedRow {
