@@ -65,6 +65,7 @@ const Case kCases[] = {
     {"text reads as a number", {{u"12"}}, {{u"12.0"}, {12}}, {1}, 0, "0-1:1"},
     {"text beside text does not", {{u"12"}}, {{u"12.0"}, {u"12"}}, {1}, 0, "0-1:1"},
     {"not comparable", {{u"abc"}, {Variant::Array{1}}}, {{true}, {7}}, {1}, 0, "0-0:0 1-1:0"},
+    {"bits are no values", {{1.5}}, {{0x3FF8000000000000}, {1.5}}, {1}, 0, "0-1:1"},
     {"short right rows are empty there", {{1, 2}}, {{}, {1}}, {1, 2}, 0, "0-1:1"},
     {"short left rows too", {{1, 2}, {1}}, {{1, 2}, {1, 2}}, {1, 2}, 0, "0-0:3 1-1:1"},
     {"the first left row counts", {{1}, {5, 6}}, {{5, 6}, {1, 0}}, {1, 2}, 0, "0-1:1 1-0:1"},
@@ -80,11 +81,10 @@ TEST(TScoringAlgorithm, MatchesAsItsContractSays) {
 }
 
 TEST(TScoringAlgorithm, GoesThroughTheTargetsOfEarlierRunsToo) {
-  const Table left = {{1}};
-  const Table right = {{1}, {1}, {2}};
+  const Table rows = {{1}, {1}, {2}};
   TScoringAlgorithm scoring;
   for (const char* matches : {"0-0:4", "0-0:4 0-1:4", "0-0:4 0-1:4 0-2:0"}) {
-    EXPECT_EQ(Text(scoring.Execute(left, right, Weights{4}, 0)), matches);
+    EXPECT_EQ(Text(scoring.Execute(std::span(rows).first(1), rows, Weights{4}, 0)), matches);
   }
 }
 
