@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "tests/http/http_asks.h"
 #include "tests/support/http_server.h"
+#include "tests/support/latch.h"
 #include "tests/support/tls_front.h"
 
 namespace zentavo {
@@ -39,11 +42,13 @@ TEST(HttpFailure, OfCertificates) {
   EXPECT_EQ(server.Requests().size(), 1u);
 }
 
-// A server that sends `bytes` and then nothing more.
-HttpServer::Script StallingBehind(std::string bytes) {
-  return [bytes = std::move(bytes)](HttpServer&, HttpPeer& peer) {
+// A server that sends `bytes` and then nothing more, or `more` for ever.
+HttpServer::Script StallingBehind(std::string bytes, std::string more = {}) {
+  return [bytes = std::move(bytes), more = std::move(more)](HttpServer&, HttpPeer& peer) {
     if (!bytes.empty()) peer.Read();
     peer.Send(bytes);
+    while (!more.empty() && peer.Send(more)) {
+    }
     peer.AwaitEnd();
   };
 }
@@ -62,6 +67,50 @@ TEST(HttpFailure, OfTimeWithinTheBody) {
     HttpServer server(StallingBehind("HTTP/1.1 200 OK\r\n" + std::string(headers)));
     EXPECT_EQ(Get(server.Url(), 200), Error(12002)) << headers;
   }
+}
+
+TEST(HttpFailure, OfTimeWhileABodyBringsNoContent) {
+  if (kOnWindows) GTEST_SKIP() << "the system's service reads the body";
+  const std::string empty_blocks = [] {
+    std::string blocks;
+    for (int i = 0; i < 1000; ++i) blocks.append("\0\0\0\xFF\xFF", 5);
+    return blocks;
+  }();
+  const std::pair<std::string, std::string> rows[] = {
+      {"Transfer-Encoding: chunked\r\n\r\n1;", std::string(5000, 'x')},
+      {"Content-Encoding: deflate\r\n\r\n\x78\x9C", empty_blocks},
+  };
+  for (const auto& [headers, more] : rows) {
+    HttpServer server(StallingBehind("HTTP/1.1 200 OK\r\n" + headers, more));
+    EXPECT_EQ(Get(server.Url(), 200), Error(12002)) << headers;
+  }
+}
+
+TEST(HttpFailure, TimeOfABodyCountsFromItsLastPieceTaken) {
+  constexpr std::int32_t kReceiveMs = 1000;
+  class SlowTaker : public TMemoryStream {
+   public:
+    std::int64_t Write(const void* buffer, std::int64_t count) override {
+      std::this_thread::sleep_for(std::chrono::milliseconds(kReceiveMs + 100));
+      taken.Arrive();
+      return TMemoryStream::Write(buffer, count);
+    }
+    Latch taken{1};
+  } output;
+  HttpServer server([&](HttpServer&, HttpPeer& peer) {
+    peer.Read();
+    peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nab");
+    output.taken.Wait();
+    peer.Send("cd");
+    peer.AwaitEnd();
+  });
+  THTTPConnection connection(true);
+  String path;
+  connection.OpenConnectionFromUrl(server.Url(), path);
+  connection.SetTimeouts(kReceiveMs, 10000);
+  String headers;
+  EXPECT_TRUE(connection.Request(path, nullptr, &output, {}, headers));
+  EXPECT_EQ(BytesOf(output), "abcd");
 }
 
 TEST(HttpFailure, OfTimeSetForTheThread) {

@@ -57,7 +57,7 @@ class ZENTAVO_API THTTPConnection : public TObject {
   // Has CallBack told of the notifications in the flags (WinHTTP's numbers).
   void EnableCallbacks(std::uint32_t dwNotificationFlags);
 
-  // Raises when the system refuses.
+  // Raises when the system refuses. The handle must not outlive the connection.
   THTTPHandle OpenRequest(StringView path, StringView verb);
   // A whole exchange. The verb is `AVerb`, else POST when `input` has a size above 0, else GET; all
   // of `input` is sent. Returns whether the status is below 300; then the body is in `output`

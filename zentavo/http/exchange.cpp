@@ -44,15 +44,9 @@ SystemError HttpExchange::Open() {
   SystemError error = 0;
   request_.reset();
   request_ = platform::HttpRequest::Open(*connection_, address_.Path, verb_, error);
-  if (error == 0 && web_socket_) error = request_->AskForWebSocket();
   raw_headers_.clear();
   sent_ = false;
   return error;
-}
-
-SystemError HttpExchange::AskForWebSocket() {
-  web_socket_ = true;
-  return request_->AskForWebSocket();
 }
 
 SystemError HttpExchange::Send(StringView headers, std::unique_ptr<platform::HttpBody> body) {

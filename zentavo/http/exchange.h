@@ -29,9 +29,6 @@ class ZENTAVO_API HttpExchange {
   HttpExchange& operator=(const HttpExchange&) = delete;
   ~HttpExchange();
 
-  // Makes the exchange the opening handshake of a WebSocket; before Send.
-  platform::SystemError AskForWebSocket();
-
   // Sends with `headers`, lines ended by CR LF, and `body`, which may be null; repeated once when
   // the server asks for a client certificate. Error 87 for a header text that is not made of whole
   // well-formed lines. May be called again behind an answer, for another exchange of the verb.
@@ -49,9 +46,6 @@ class ZENTAVO_API HttpExchange {
   // Hands the body to `sink` in pieces.
   platform::SystemError ReadBody(const platform::HttpRequest::BodySink& sink);
 
-  // The system's request, of the last redirect.
-  platform::HttpRequest& Request() { return *request_; }
-
  private:
   platform::SystemError Open();
   platform::SystemError SendOnce();
@@ -67,7 +61,6 @@ class ZENTAVO_API HttpExchange {
   String verb_;
   String headers_;
   std::unique_ptr<platform::HttpBody> body_;
-  bool web_socket_ = false;
   bool sent_ = false;
   std::unique_ptr<platform::HttpRequest> request_;
   String raw_headers_;

@@ -41,8 +41,8 @@ inline constexpr SystemError kHttpResponseOverflow = 12184;
 inline constexpr SystemError kHttpInvalidParameter = 87;
 
 // Milliseconds; 0 and below: without end. Connecting counts from the start of the exchange and on
-// Linux spans the name's resolution. Sending and receiving count from the last progress, receiving
-// the headers from the end of the request.
+// Linux spans the name's resolution. Sending counts from the last progress, receiving the headers
+// from the end of the request, receiving the body from the last piece that the sink took.
 struct HttpTimeouts {
   std::int32_t resolve_ms = 0;
   std::int32_t connect_ms = 60000;
@@ -82,7 +82,6 @@ class ZENTAVO_API HttpSession {
 };
 
 // Progress of a request, with WinHTTP's numbers; Linux reports these.
-inline constexpr std::uint32_t kHttpStatusConnected = 0x8;  // info: none on Linux
 inline constexpr std::uint32_t kHttpStatusSendingRequest = 0x10;
 inline constexpr std::uint32_t kHttpStatusRequestSent = 0x20;  // info: the byte count, 32 bits
 inline constexpr std::uint32_t kHttpStatusReceivingResponse = 0x40;
@@ -141,9 +140,6 @@ class ZENTAVO_API HttpRequest {
   // Proceeds without a certificate where the server asks for one, in a repetition of what failed
   // with 12044; that error where the first attempt has already done so.
   SystemError IgnoreClientCertificate();
-
-  // Makes the exchange the opening handshake of a WebSocket; before Send.
-  SystemError AskForWebSocket();
 
   // `headers` are whole lines, each ended by CR LF; `body` may be null. Sending may end only within
   // Receive, so `body` outlives it.

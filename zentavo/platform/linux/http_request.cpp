@@ -234,14 +234,22 @@ SystemError HttpRequest::State::DriveUntil(Waiting waiting, Ready ready) {
       break;
     }
     const bool happened = WaitFor(static_cast<int>(std::min<std::int64_t>(left, kLongestWait)));
-    // The headers have one time for all; connecting has libcurl's own.
-    if ((happened && waiting != Waiting::kForHeaders) ||
-        (waiting == Waiting::kToSend && !Connected())) {
-      deadline = Clock::now() + allowed;
-    }
     if (!Perform()) Fail(kHttpInternalError);
+    if (Prolongs(waiting, happened)) deadline = Clock::now() + allowed;
   }
   return Outcome();
+}
+
+// Whether a step that was made while `waiting` lets the time-out start over. Connecting has
+// libcurl's own. Of a body only content counts: what stands around chunks, or within compression,
+// can go on for ever.
+bool HttpRequest::State::Prolongs(Waiting waiting, bool happened) {
+  switch (waiting) {
+    case Waiting::kToSend: return happened || !Connected();
+    case Waiting::kForHeaders: return false;  // one time for all of them
+    case Waiting::kForBody: return std::exchange(body_taken_, false);
+  }
+  return false;
 }
 
 // Ends the exchange; its connection is given up.
@@ -297,6 +305,7 @@ std::size_t HttpRequest::State::TakeBody(std::span<const std::byte> piece) {
   }
   try {
     failure_ = (*sink_)(piece);
+    body_taken_ = true;
   } catch (...) {
     thrown_ = std::current_exception();
   }
@@ -399,17 +408,12 @@ SystemError HttpRequest::IgnoreClientCertificate() {
   return kHttpClientCertificateNeeded;  // none was sent: the same again would change nothing
 }
 
-SystemError HttpRequest::AskForWebSocket() {
-  state_->web_socket = true;
-  return 0;
-}
-
 SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
-  return state_->web_socket ? 0 : state_->Send(headers, body);
+  return state_->Send(headers, body);
 }
 
 SystemError HttpRequest::Receive() {
-  return state_->web_socket ? 0 : state_->Receive();
+  return state_->Receive();
 }
 
 std::u16string HttpRequest::RawHeaders() const {
@@ -417,7 +421,7 @@ std::u16string HttpRequest::RawHeaders() const {
 }
 
 SystemError HttpRequest::ReadBody(const BodySink& sink) {
-  return state_->web_socket ? kHttpInternalError : state_->ReadBody(sink);
+  return state_->ReadBody(sink);
 }
 
 }  // namespace zentavo::platform

@@ -33,7 +33,6 @@ struct HttpRequest::State {
   const std::string path;
   const std::string verb;
   const HttpTimeouts timeouts;
-  bool web_socket = false;  // the handshake is not made by this exchange
 
   std::string raw_headers;  // lines ended by CR LF
   bool headers_done = false;
@@ -53,6 +52,7 @@ struct HttpRequest::State {
   // Drives until `ready` or the end of the exchange; returns its error.
   template <typename Ready>
   SystemError DriveUntil(Waiting waiting, Ready ready);
+  bool Prolongs(Waiting waiting, bool happened);
   bool Perform();
   bool WaitFor(int milliseconds);
   bool TakeHeader(std::string_view line);
@@ -75,7 +75,8 @@ struct HttpRequest::State {
   std::vector<std::byte> waiting_;  // of the body, read by nobody yet
   bool paused_ = false;
   const BodySink* sink_ = nullptr;
-  bool added_ = false;  // to the connection's client
+  bool body_taken_ = false;  // by the sink, since the last look
+  bool added_ = false;       // to the connection's client
   bool ended_ = false;
   CURLcode result_ = CURLE_OK;
   SystemError failure_ = 0;    // ours, before libcurl's

@@ -155,11 +155,6 @@ SystemError HttpRequest::IgnoreClientCertificate() {
                                       WINHTTP_NO_CLIENT_CERT_CONTEXT, 0));
 }
 
-SystemError HttpRequest::AskForWebSocket() {
-  return HttpErrorOf(
-      WinHttpSetOption(state_->handle.get(), WINHTTP_OPTION_UPGRADE_TO_WEB_SOCKET, nullptr, 0));
-}
-
 SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
   const HINTERNET handle = state_->handle.get();
   const std::uint64_t size = body != nullptr ? body->Size() : 0;
