@@ -1,7 +1,7 @@
-// Prints what the platform's single-byte code pages do, as rows of C++:
+// Prints what the platform's single-byte code pages do:
 //
-//   code_page_record_helper pages    for recorded_pages.h
-//   code_page_record_helper fits     for zentavo/platform/linux/best_fits.inc
+//   code_page_record_helper pages    lines for recorded_pages.txt
+//   code_page_record_helper fits     rows of C++ for zentavo/platform/linux/best_fits.inc
 //
 // Run on Windows it records what the library does elsewhere. What stands in the project was
 // recorded under Wine, not on Windows itself.
@@ -17,9 +17,8 @@
 namespace {
 
 using namespace zentavo::platform;
-using zentavo::testing::AllBytes;
 using zentavo::testing::AllUnits;
-using zentavo::testing::HashOf;
+using zentavo::testing::RecordOf;
 
 constexpr std::uint32_t kPages[] = {437,   720,   737,   775,   850,   852,   855,   857,   860,
                                     861,   862,   863,   864,   865,   866,   869,   874,   1250,
@@ -28,16 +27,7 @@ constexpr std::uint32_t kPages[] = {437,   720,   737,   775,   850,   852,   85
                                     28594, 28595, 28596, 28597, 28598, 28599, 28603, 28605};
 
 void PrintPages() {
-  const std::u16string all = AllUnits();
-  for (const std::uint32_t page : kPages) {
-    const std::u16string units = DecodeCodePage(AllBytes(), page, LooseBytes::kKept).value();
-    std::printf("{%u,\nu\"", page);
-    for (std::size_t i = 128; i < 256; ++i) {
-      std::printf("\\x%04X%s", static_cast<unsigned>(units.at(i)), i % 12 == 11 ? "\"\nu\"" : "");
-    }
-    std::printf("\",\n0x%08X, 0x%08X},\n", HashOf(EncodeCodePage(all, page).value()),
-                HashOf(EncodeCodePage(all, page, CodePageFit::kBest).value()));
-  }
+  for (const std::uint32_t page : kPages) std::printf("%s\n", RecordOf(page).c_str());
 }
 
 // A row: so many units from the first on take the bytes from the first on, in the pages of the set.
