@@ -46,18 +46,15 @@ String TextForm(const TXMemIniFile& ini) {
 }
 
 TEST(TXMemIniFile, NormalisesWhatItReads) {
-  const struct {
+  struct Row {
     StringView text, form;
-  } rows[] = {
-      {u"", u""},
-      {u"k=v\n[s]\n", u"[s]|"},
-      {u"[s]\n  key  =  some value  ", u"[s]|key=some value|"},
-      {u"[s]\r\n;c\r\r\n a \nb=1=2\n", u"[s]|a|b=1=2|"},
-      {u" [ s ] \n[t]x\n[\n", u"[s]|[t]x|[|"},
-      {u"[s]\nk=1\n[t]\n[S]\nk=2", u"[s]|k=1||[t]||[S]|k=2|"},
-      {u"[]\n=v\n=", u"[]|=v|=|"},
   };
-  for (const auto& row : rows) {
+  for (const Row& row : {Row{u"", u""}, Row{u"k=v\n[s]\n", u"[s]|"},
+                         Row{u"[s]\n  key  =  some value  ", u"[s]|key=some value|"},
+                         Row{u"[s]\r\n;c\r\r\n a \nb=1=2\n", u"[s]|a|b=1=2|"},
+                         Row{u" [ s ] \n[t]x\n[\n", u"[s]|[t]x|[|"},
+                         Row{u"[s]\nk=1\n[t]\n[S]\nk=2", u"[s]|k=1||[t]||[S]|k=2|"},
+                         Row{u"[]\n=v\n=", u"[]|=v|=|"}}) {
     TXMemIniFile ini(u"");
     SetText(ini, row.text);
     EXPECT_EQ(TextForm(ini), row.form);
@@ -114,13 +111,14 @@ TEST(TXMemIniFile, ListsSectionsAndNames) {
 }
 
 TEST(TXCustomIniFile, ReadsIntegers) {
-  const struct {
+  struct Row {
     StringView text;
     std::int32_t value;
-  } rows[] = {{u"0x1F", 31}, {u"0X1f", 31}, {u"$10", 16}, {u"-5", -5},       {u"x", 9},
-              {u"0x", 9},    {u"", 9},      {u"1.5", 9},  {u"2147483648", 9}};
+  };
   TXMemIniFile ini(u"");
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{u"0x1F", 31}, Row{u"0X1f", 31}, Row{u"$10", 16}, Row{u"-5", -5}, Row{u"x", 9},
+        Row{u"0x", 9}, Row{u"", 9}, Row{u"1.5", 9}, Row{u"2147483648", 9}}) {
     ini.WriteString(u"s", u"k", row.text);
     EXPECT_EQ(ini.ReadInteger(u"s", u"k", 9), row.value);
   }

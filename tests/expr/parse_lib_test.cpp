@@ -168,28 +168,23 @@ TEST(ScriptMessage, GoesByNumberAndText) {
 }
 
 TEST(StrToVariant, GivesTheTypeThatTheLiteralShows) {
-  const struct {
+  struct Row {
     const char16_t* text;
     VariantKind kind;
     const char* outcome;
-  } rows[] = {
-      {u"  ", VariantKind::kNull, ""},
-      {u" nULL ", VariantKind::kNull, ""},
-      {u"TRUE", VariantKind::kBoolean, "True"},
-      {u"12", VariantKind::kInteger, "12"},
-      {u"3000000000", VariantKind::kInt64, "3000000000"},
-      {u"12.5", VariantKind::kDouble, "12.5"},
-      {u"12.", VariantKind::kDouble, "12"},
-      {u"#65", VariantKind::kString, "A"},
-      {u"'12'", VariantKind::kString, "12"},
-      {u"-1", VariantKind::kString, "-1"},
-      {u"1x", VariantKind::kNull, "! '1x' is not a valid integer value"},
-      {u"1.2.3", VariantKind::kNull, "! '1.2.3' is not a valid floating point value"},
-      {u"#65536", VariantKind::kNull, "! Range check error"},
-      {u"#1.5", VariantKind::kNull, "! '1.5' is not a valid integer value"},
   };
   const testing::ThreadSettings settings{TFormatSettings()};
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{u"  ", VariantKind::kNull, ""}, Row{u" nULL ", VariantKind::kNull, ""},
+        Row{u"TRUE", VariantKind::kBoolean, "True"}, Row{u"12", VariantKind::kInteger, "12"},
+        Row{u"3000000000", VariantKind::kInt64, "3000000000"},
+        Row{u"12.5", VariantKind::kDouble, "12.5"}, Row{u"12.", VariantKind::kDouble, "12"},
+        Row{u"#65", VariantKind::kString, "A"}, Row{u"'12'", VariantKind::kString, "12"},
+        Row{u"-1", VariantKind::kString, "-1"},
+        Row{u"1x", VariantKind::kNull, "! '1x' is not a valid integer value"},
+        Row{u"1.2.3", VariantKind::kNull, "! '1.2.3' is not a valid floating point value"},
+        Row{u"#65536", VariantKind::kNull, "! Range check error"},
+        Row{u"#1.5", VariantKind::kNull, "! '1.5' is not a valid integer value"}}) {
     SCOPED_TRACE(ToUtf8(row.text));
     Variant value = Variant::Null();
     EXPECT_EQ(Outcome([&] { return VarToStr(value = StrToVariant(row.text)); }), row.outcome);

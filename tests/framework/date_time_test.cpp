@@ -65,16 +65,15 @@ TEST(EncodeTime, TakesOneDay) {
 }
 
 TEST(SplitDateTime, CountsTheFractionForwardAndCarries) {
-  const struct {
+  struct Row {
     TDateTime value;
     std::int64_t day;
     int millisecond;
-  } rows[] = {
-      {-1.25, -1, 21'600'000},      {-0.25, 0, 21'600'000},    {1 - 1e-10, 1, 0},
-      {44000.9999999999, 44001, 0}, {-1.9999999999, 0, 0},     {0.5 / 86'400'000, 0, 1},
-      {0.4 / 86'400'000, 0, 0},     {-1e300, -kMaxDay - 1, 0}, {kNan, -kMaxDay - 1, 0},
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{-1.25, -1, 21'600'000}, Row{-0.25, 0, 21'600'000}, Row{1 - 1e-10, 1, 0},
+        Row{44000.9999999999, 44001, 0}, Row{-1.9999999999, 0, 0}, Row{0.5 / 86'400'000, 0, 1},
+        Row{0.4 / 86'400'000, 0, 0}, Row{-1e300, -kMaxDay - 1, 0}, Row{kNan, -kMaxDay - 1, 0}}) {
     EXPECT_EQ(SplitDateTime(row.value).day, row.day) << row.value;
     EXPECT_EQ(SplitDateTime(row.value).millisecond, row.millisecond) << row.value;
   }
@@ -182,15 +181,14 @@ TEST(StrToDate, RefusesWhatIsNoDate) {
 }
 
 TEST(StrToTime, ReadsMinutesSecondsAndHalves) {
-  const struct {
+  struct Row {
     const char16_t* text;
     TDateTime value;
-  } rows[] = {
-      {u" 9:5 ", EncodeTime(9, 5, 0, 0)},       {u"23:59:59.999", EncodeTime(23, 59, 59, 999)},
-      {u"12:30 am", EncodeTime(0, 30, 0, 0)},   {u"12:30PM", EncodeTime(12, 30, 0, 0)},
-      {u"pm 1:02:03", EncodeTime(13, 2, 3, 0)},
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{u" 9:5 ", EncodeTime(9, 5, 0, 0)}, Row{u"23:59:59.999", EncodeTime(23, 59, 59, 999)},
+        Row{u"12:30 am", EncodeTime(0, 30, 0, 0)}, Row{u"12:30PM", EncodeTime(12, 30, 0, 0)},
+        Row{u"pm 1:02:03", EncodeTime(13, 2, 3, 0)}}) {
     EXPECT_EQ(TryStrToTime(row.text, TFormatSettings()), row.value) << ToUtf8(row.text);
   }
   for (const char16_t* text :

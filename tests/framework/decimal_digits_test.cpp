@@ -9,17 +9,16 @@ namespace zentavo {
 namespace {
 
 TEST(RoundToDecimals, SendsHalvesAwayFromZero) {
-  const struct {
+  struct Row {
     double value;
     int decimals;
     double rounded;
-  } rows[] = {
-      {2.675, 2, 2.68},       {-1.005, 2, -1.01},    {2.5, 0, 3},  {0.49, 0, 0},
-      {9.995, 2, 10},         {999.5, 0, 1000},      {0.04, 0, 0}, {1250, -2, 1300},
-      {50, -2, 100},          {49, -2, 0},           {5, -2, 0},   {1e300, 2, 1e300},
-      {1.5, 2147483647, 1.5}, {1.5, -2147483647, 0},
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{2.675, 2, 2.68}, Row{-1.005, 2, -1.01}, Row{2.5, 0, 3}, Row{0.49, 0, 0},
+        Row{9.995, 2, 10}, Row{999.5, 0, 1000}, Row{0.04, 0, 0}, Row{1250, -2, 1300},
+        Row{50, -2, 100}, Row{49, -2, 0}, Row{5, -2, 0}, Row{1e300, 2, 1e300},
+        Row{1.5, 2147483647, 1.5}, Row{1.5, -2147483647, 0}}) {
     EXPECT_EQ(RoundToDecimals(row.value, row.decimals), row.rounded)
         << row.value << " to " << row.decimals;
   }

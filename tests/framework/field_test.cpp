@@ -25,28 +25,26 @@ struct OneField {
 };
 
 TEST(TField, KeepsValuesByType) {
-  const struct {
+  struct Row {
     TFieldType type;
-    Variant value;
-    Variant kept;
+    Variant value, kept;
     const char16_t* text;
-  } rows[] = {
-      {ftString, u"Αθήνα", u"Αθήνα", u"Αθήνα"},
-      {ftInteger, u"42", 42, u"42"},
-      {ftInteger, 2.5, 2, u"2"},
-      {ftLargeint, INT64_MIN, INT64_MIN, u"-9223372036854775808"},
-      {ftFloat, 1.5, 1.5, u"1,5"},
-      {ftCurrency, 2.00005, Variant::CurrencyUnits(20001), u"2,0001"},
-      {ftBCD, u"12345678901234567890.12", u"12345678901234567890.12", u"12345678901234567890,12"},
-      {ftBCD, Variant::CurrencyUnits(-1050), u"-0.105", u"-0,105"},
-      {ftBoolean, 7, true, u"True"},
-      {ftDate, Variant::Date(1), Variant::Date(1), u"31.12.1899"},
-      {ftDateTime, Variant::Date(1.5), Variant::Date(1.5), u"31.12.1899 12:00:00"},
-      {ftMemo, u"", u"", u""},
-      {ftBlob, u"ab", Variant::ByteArray{std::byte{'a'}, std::byte{'b'}}, u"ab"},
   };
   const testing::ThreadSettings scope(testing::CommaSettings());
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{ftString, u"Αθήνα", u"Αθήνα", u"Αθήνα"}, Row{ftInteger, u"42", 42, u"42"},
+        Row{ftInteger, 2.5, 2, u"2"},
+        Row{ftLargeint, INT64_MIN, INT64_MIN, u"-9223372036854775808"},
+        Row{ftFloat, 1.5, 1.5, u"1,5"},
+        Row{ftCurrency, 2.00005, Variant::CurrencyUnits(20001), u"2,0001"},
+        Row{ftBCD, u"12345678901234567890.12", u"12345678901234567890.12",
+            u"12345678901234567890,12"},
+        Row{ftBCD, Variant::CurrencyUnits(-1050), u"-0.105", u"-0,105"},
+        Row{ftBoolean, 7, true, u"True"},
+        Row{ftDate, Variant::Date(1), Variant::Date(1), u"31.12.1899"},
+        Row{ftDateTime, Variant::Date(1.5), Variant::Date(1.5), u"31.12.1899 12:00:00"},
+        Row{ftMemo, u"", u"", u""},
+        Row{ftBlob, u"ab", Variant::ByteArray{std::byte{'a'}, std::byte{'b'}}, u"ab"}}) {
     OneField record(row.type);
     record.field.SetValue(row.value);
     EXPECT_TRUE(record.field.Value() == row.kept) << ToUtf8(row.text);

@@ -188,8 +188,7 @@ TEST(TStringList, TextBreaksAtEveryKindOfLineEnd) {
 
 struct DelimitedRow {
   String text;
-  Strings strict;
-  Strings loose;
+  Strings strict, loose;
 };
 
 TEST(TStringList, DelimitedTextIsReadAndWrittenBack) {

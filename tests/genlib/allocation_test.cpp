@@ -16,8 +16,7 @@ using Numbers = std::vector<double>;
 
 TEST(ZentavoEpimerismos, AllocatesOverArrays) {
   const struct {
-    Numbers weights;
-    Numbers before;
+    Numbers weights, before;
     double amount;
     std::int16_t decimals;
     Numbers after;

@@ -16,28 +16,17 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(ZentavoDoubleEqual, GoesByMagnitude) {
-  constexpr struct {
-    double a;
-    double difference;
+  struct Row {
+    double a, difference;
     bool equal;
-  } kRows[] = {
-      {1000000000.0, 0.00005, true},
-      {1000000000.0, 0.00011, false},
-      {100000000.0, 0.000009, true},
-      {100000000.0, 0.000011, false},
-      {1e7, 0.0000009, true},
-      {1e7, 0.0000011, false},
-      {1e6, 0.00000009, true},
-      {1e6, 0.00000011, false},
-      {1e5, 0.000000009, true},
-      {1e5, 0.000000011, false},
-      {1.0, 0.0000000005, true},
-      {1.0, 0.000000002, false},
-      {99999.0, 0.000000002, false},
-      {0, 1e-10, true},
-      {0, 1e-9, false},
   };
-  for (const auto& row : kRows) {
+  for (const Row& row :
+       {Row{1000000000.0, 0.00005, true}, Row{1000000000.0, 0.00011, false},
+        Row{100000000.0, 0.000009, true}, Row{100000000.0, 0.000011, false},
+        Row{1e7, 0.0000009, true}, Row{1e7, 0.0000011, false}, Row{1e6, 0.00000009, true},
+        Row{1e6, 0.00000011, false}, Row{1e5, 0.000000009, true}, Row{1e5, 0.000000011, false},
+        Row{1.0, 0.0000000005, true}, Row{1.0, 0.000000002, false},
+        Row{99999.0, 0.000000002, false}, Row{0, 1e-10, true}, Row{0, 1e-9, false}}) {
     EXPECT_EQ(ZentavoDoubleEqual(row.a, row.a + row.difference), row.equal) << row.a;
     EXPECT_EQ(ZentavoDoubleEqual(-row.a - row.difference, -row.a), row.equal) << row.a;
   }
@@ -124,25 +113,13 @@ TEST(ZentavoDoubleRnd, RefusesToCutBeyond32Bits) {
 }
 
 TEST(xARoundProc, RoundsToSteps) {
-  constexpr struct {
-    double value;
-    double step;
-    double expected;
-  } kRows[] = {
-      {12.34, 0.05, 12.35},
-      {12.34, 0.5, 12.5},
-      {12.25, 0.5, 12.5},
-      {-12.25, 0.5, -12.5},
-      {2.5, 1, 3},
-      {-2.5, 1, -3},
-      {17, 5, 15},
-      {12.34, -0.5, 12.5},
-      {1e20, 0.01, 1e20},
-      {-1e300, 0.1, -1e300},
-      {1e308, 1e-308, 1e308},
-      {kInfinity, 1, kInfinity},
+  struct Row {
+    double value, step, expected;
   };
-  for (const auto& row : kRows) {
+  for (const Row& row : {Row{12.34, 0.05, 12.35}, Row{12.34, 0.5, 12.5}, Row{12.25, 0.5, 12.5},
+                         Row{-12.25, 0.5, -12.5}, Row{2.5, 1, 3}, Row{-2.5, 1, -3}, Row{17, 5, 15},
+                         Row{12.34, -0.5, 12.5}, Row{1e20, 0.01, 1e20}, Row{-1e300, 0.1, -1e300},
+                         Row{1e308, 1e-308, 1e308}, Row{kInfinity, 1, kInfinity}}) {
     EXPECT_DOUBLE_EQ(xARoundProc(row.value, row.step), row.expected) << row.value;
   }
   EXPECT_TRUE(std::isnan(xARoundProc(kNaN, 1)));

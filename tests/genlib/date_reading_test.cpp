@@ -18,8 +18,7 @@ TEST(StringToDate, FollowsTheOrderOfTheThread) {
   const TDateTime date = EncodeDate(2021, 3, 4);
   const TDateTime this_year = EncodeDate(DecodeDate(Date()).year, 3, 4);
   const struct {
-    const char16_t* format;
-    const char16_t* text;
+    const char16_t *format, *text;
     TDateTime value;
   } rows[] = {
       {u"dd/mm/yyyy", u"2021-03-04", date},

@@ -10,8 +10,7 @@ namespace {
 
 TEST(XCHToHTML, MakesParagraphsAndLinks) {
   struct Row {
-    StringView text;
-    StringView body;
+    StringView text, body;
   };
   constexpr Row kRows[] = {
       {u"Hello\r\n<Open$OPEN 1>", u"<p>Hello</p>\r\n<p><a href=\"xcmd:OPEN 1\">Open</a></p>\r\n"},
@@ -90,8 +89,7 @@ TEST(XCHToHTML, OpenLinksCostNoMoreThanTheirText) {
 
 TEST(FixHtmlCode, ReplacesBothWithoutRegardToCase) {
   struct Row {
-    StringView html;
-    StringView fixed;
+    StringView html, fixed;
   };
   constexpr Row kRows[] = {
       {u"<script src=\"XCon.js\"></script>", u"<script > var XCon=external;</script>"},

@@ -23,25 +23,19 @@ TEST(CompressField, EscapesAndWritesPoints) {
 }
 
 TEST(ExtractCompressed, ReadsValuesAndRecords) {
-  constexpr struct {
+  struct Row {
     const char16_t* text;
     std::int32_t position;
     char16_t terminator;
     const char16_t* value;
     std::int32_t behind;
-  } kRows[] = {
-      {u"a\\|b|c", 1, u'|', u"a|b", 6},
-      {u"a\\|b|c", 6, u'|', u"c", 7},
-      {u"a\\|b|~c", 1, u'~', u"a\\|b|", 7},
-      {u"a\\~b|~", 1, u'~', u"a\\", 4},
-      {u"a\\~b|", 1, u'|', u"a~b", 6},
-      {u"a\\", 1, u'|', u"a", 3},
-      {u"a\\\\|", 1, u'|', u"a\\", 5},
-      {u"abc", 9, u'|', u"", 9},
-      {u"abc", 4, u'|', u"", 4},
-      {u"abc", 0, u'|', u"", 0},
   };
-  for (const auto& row : kRows) {
+  for (const Row& row :
+       {Row{u"a\\|b|c", 1, u'|', u"a|b", 6}, Row{u"a\\|b|c", 6, u'|', u"c", 7},
+        Row{u"a\\|b|~c", 1, u'~', u"a\\|b|", 7}, Row{u"a\\~b|~", 1, u'~', u"a\\", 4},
+        Row{u"a\\~b|", 1, u'|', u"a~b", 6}, Row{u"a\\", 1, u'|', u"a", 3},
+        Row{u"a\\\\|", 1, u'|', u"a\\", 5}, Row{u"abc", 9, u'|', u"", 9},
+        Row{u"abc", 4, u'|', u"", 4}, Row{u"abc", 0, u'|', u"", 0}}) {
     std::int32_t position = row.position;
     EXPECT_EQ(ExtractCompressed(row.text, position, row.terminator), row.value) << ToUtf8(row.text);
     EXPECT_EQ(position, row.behind) << ToUtf8(row.text);

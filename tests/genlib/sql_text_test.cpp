@@ -93,8 +93,7 @@ TEST(AddFldsInSelect, PutsMissingFieldsInFront) {
 TEST(CheckParts, CompletesByTheNumberOfParts) {
   struct {
     String name;
-    const char16_t* full;
-    const char16_t* expected;
+    const char16_t *full, *expected;
   } rows[] = {
       {u"CODE", u"MTRL.CODE", u"MTRL.CODE"},
       {u"X.CODE", u"MTRL.CODE", u"X.CODE"},
@@ -111,22 +110,17 @@ TEST(CheckParts, CompletesByTheNumberOfParts) {
 }
 
 TEST(ExtractQuoteStings, SplitsOutsideQuotes) {
-  struct {
+  struct Row {
     const char16_t* text;
-    char16_t open;
-    char16_t close;
+    char16_t open, close;
     const char16_t* expected;
-  } const rows[] = {
-      {u"a; b ;c", u'[', u']', u"a|b|c|"},
-      {u"a;;", u'[', u']', u"a||"},
-      {u"[a;[b];c];d", u'[', u']', u"[a;[b];c]|d|"},
-      {u"a];b;[c;d", u'[', u']', u"a];b;[c|d|"},
-      {u"'a;b';c'", u'\'', u'\'', u"'a;b'|c'|"},
-      {u"[a;b", u'[', u']', u"[a;b|"},
-      {u"", u'[', u']', u""},
-      {u" ", u'[', u']', u"|"},
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{u"a; b ;c", u'[', u']', u"a|b|c|"}, Row{u"a;;", u'[', u']', u"a||"},
+        Row{u"[a;[b];c];d", u'[', u']', u"[a;[b];c]|d|"},
+        Row{u"a];b;[c;d", u'[', u']', u"a];b;[c|d|"}, Row{u"'a;b';c'", u'\'', u'\'', u"'a;b'|c'|"},
+        Row{u"[a;b", u'[', u']', u"[a;b|"}, Row{u"", u'[', u']', u""},
+        Row{u" ", u'[', u']', u"|"}}) {
     TStringList list;
     ExtractQuoteStings(list, row.text, u';', row.open, row.close);
     String pieces;

@@ -16,10 +16,8 @@ TEST(InjectSubQueries, PacksNamesQueriesAndStatement) {
 
 TEST(CheckSubQueries, CompletesTheStatement) {
   struct {
-    String statement;
-    String packed;
-    const char16_t* completed;
-    const char16_t* rest;
+    String statement, packed;
+    const char16_t *completed, *rest;
   } rows[] = {
       {u"---SELECT A FROM T", u"#,N#Q#S", u"SELECT A,N FROM T Q", u"S"},
       {u"---S (1 FROM 2) from T FROM U", u"#,N#Q#", u"S (1 FROM 2),N from T FROM U Q", u""},

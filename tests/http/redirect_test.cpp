@@ -46,8 +46,7 @@ TEST(HttpRedirect, KeepsOrChangesVerbAndBody) {
   struct Row {
     const char* status;
     const char16_t* verb;
-    const char* line;
-    const char* body;
+    const char *line, *body;
   };
   const Row rows[] = {
       {"301 Moved", u"GET", "GET /end HTTP/1.1", ""},

@@ -16,8 +16,7 @@ String Dump(const std::optional<TUrlParts>& parts) {
 }
 
 struct Row {
-  StringView url;
-  StringView parts;
+  StringView url, parts;
 };
 
 TEST(Url, SplitsIntoParts) {

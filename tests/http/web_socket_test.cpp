@@ -84,8 +84,7 @@ enum class Under { kAll, kNotWine };  // Wine's own functions take what they sho
 
 struct FrameRow {
   const char* name;
-  std::string bytes;
-  std::string received;
+  std::string bytes, received;
   Under under = Under::kAll;
 };
 

@@ -227,9 +227,7 @@ TEST(TSqlConnection, RefusesOtherUrls) {
 // What keeps SQLite from writing, and what lets it write again.
 TEST(TSqlDataSet, StaysUsableWhenTheFileCannotBeWritten) {
   constexpr struct {
-    const char16_t* hinder;
-    const char16_t* release;
-    const char16_t* error;
+    const char16_t *hinder, *release, *error;
     bool from_outside;
   } kRows[] = {
       {u"BEGIN IMMEDIATE", u"ROLLBACK", u"locked", true},

@@ -17,8 +17,7 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 struct Part {
-  AnsiString name;
-  AnsiString content;
+  AnsiString name, content;
   bool operator==(const Part&) const = default;
 };
 using Parts = std::vector<Part>;

@@ -18,8 +18,7 @@ namespace {
 struct SpellRow {
   const char16_t* language;
   double amount;
-  const char16_t* currency;
-  const char16_t* words;
+  const char16_t *currency, *words;
 };
 
 // The words, or the error where the system has no language data and the words need them.

@@ -32,8 +32,7 @@ void WaitByTimer(std::int32_t ms) {
 
 TEST(TXTimer, FirstTickComesAfterThePeriodOrTheDueTime) {
   struct Row {
-    std::int32_t period;
-    std::int32_t due_time;
+    std::int32_t period, due_time;
     int ticks;
     milliseconds earliest;
   };

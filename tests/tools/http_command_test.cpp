@@ -18,8 +18,7 @@ TEST(HttpCommand, PrintsTheBody) {
   struct Row {
     std::vector<std::string> arguments;
     int exit_code;
-    std::string output;
-    std::string error;
+    std::string output, error;
     std::string line;  // of the request
   };
   const Row rows[] = {

@@ -25,7 +25,7 @@ namespace zentavo {
 [[noreturn]] ZENTAVO_API void RaiseHttpError(std::uint32_t code);
 
 // The longest WebSocket message, in bytes, unless SetMaxSocketMsg says otherwise.
-inline constexpr std::int64_t kMaxSocketMsg = 64 * 1024 * 1024;
+inline constexpr std::int64_t kMaxSocketMsg = std::int64_t{64} << 20;
 
 class ZENTAVO_API THTTPConnection : public TObject {
  public:

@@ -63,19 +63,11 @@ SystemError HttpExchange::Send(StringView headers, std::unique_ptr<platform::Htt
 SystemError HttpExchange::SendOnce() {
   sent_ = true;
   if (body_ != nullptr) body_->Rewind();
-  SystemError error = request_->Send(headers_, body_.get());
-  if (error != platform::kHttpClientCertificateNeeded) return error;
-  error = request_->IgnoreClientCertificate();
-  if (error != 0) return error;
-  if (body_ != nullptr) body_->Rewind();
   return request_->Send(headers_, body_.get());
 }
 
 SystemError HttpExchange::ReceiveOnce() {
-  SystemError error = request_->Receive();
-  if (error == platform::kHttpClientCertificateNeeded && request_->IgnoreClientCertificate() == 0) {
-    error = request_->Receive();
-  }
+  const SystemError error = request_->Receive();
   if (error == 0) raw_headers_ = request_->RawHeaders();
   return error;
 }

@@ -29,11 +29,11 @@ class ZENTAVO_API HttpExchange {
   HttpExchange& operator=(const HttpExchange&) = delete;
   ~HttpExchange();
 
-  // Sends with `headers`, lines ended by CR LF, and `body`, which may be null; repeated once when
-  // the server asks for a client certificate. Error 87 for a header text that is not made of whole
-  // well-formed lines. May be called again behind an answer, for another exchange of the verb.
+  // Sends with `headers`, lines ended by CR LF, and `body`, which may be null. Error 87 for a
+  // header text that is not made of whole well-formed lines. May be called again behind an answer,
+  // for another exchange of the verb.
   platform::SystemError Send(StringView headers, std::unique_ptr<platform::HttpBody> body);
-  // Waits for the answer; the same repetition. Follows redirects.
+  // Waits for the answer. Follows redirects.
   platform::SystemError Receive();
 
   // The status line and the headers of the answer, each line ended by CR LF; empty before Receive.

@@ -137,12 +137,9 @@ class ZENTAVO_API HttpRequest {
   HttpRequest& operator=(const HttpRequest&) = delete;
   ~HttpRequest();
 
-  // Proceeds without a certificate where the server asks for one, in a repetition of what failed
-  // with 12044; that error where the first attempt has already done so.
-  SystemError IgnoreClientCertificate();
-
   // `headers` are whole lines, each ended by CR LF; `body` may be null. Sending may end only within
-  // Receive, so `body` outlives it.
+  // Receive, so `body` outlives it. Where the server asks for a client certificate, Send and
+  // Receive go on without one; 12044 where it insists.
   SystemError Send(std::u16string_view headers, HttpBody* body);
   // Waits for the headers of the answer.
   SystemError Receive();

@@ -110,8 +110,8 @@ bool ReadSystemTimes(SystemTimes& times) {
   // user, nice, system, idle, waiting for input and output, interrupts, soft interrupts, stolen;
   // the guests' times that follow are part of user and nice
   std::array<unsigned long long, 8> t{};
-  if (!file || std::fscanf(file.get(), "cpu %llu %llu %llu %llu %llu %llu %llu %llu", &t[0], &t[1],
-                           &t[2], &t[3], &t[4], &t[5], &t[6], &t[7]) != 8) {
+  if (!file || std::fscanf(file.get(), "cpu %llu %llu %llu %llu %llu %llu %llu %llu", t.data(),
+                           &t[1], &t[2], &t[3], &t[4], &t[5], &t[6], &t[7]) != 8) {
     return false;
   }
   times.total = std::accumulate(t.begin(), t.end(), std::uint64_t{0});

@@ -223,7 +223,7 @@ bool HttpRequest::State::Sent() const {
 
 template <typename Ready>
 SystemError HttpRequest::State::DriveUntil(Waiting waiting, Ready ready) {
-  constexpr std::int64_t kLongestWait = 1000 * 60 * 60;
+  constexpr std::int64_t kLongestWait = 3'600'000;  // milliseconds
   const std::int32_t limit = waiting == Waiting::kToSend ? timeouts.send_ms : timeouts.receive_ms;
   const auto allowed = std::chrono::milliseconds(Endless(limit));
   Clock::time_point deadline = Clock::now() + allowed;
@@ -402,10 +402,6 @@ std::unique_ptr<HttpRequest> HttpRequest::Open(const HttpConnection& connection,
   error = 0;
   return std::unique_ptr<HttpRequest>(
       new HttpRequest(std::make_unique<State>(connection.Native(), BytesOf(path), BytesOf(verb))));
-}
-
-SystemError HttpRequest::IgnoreClientCertificate() {
-  return kHttpClientCertificateNeeded;  // none was sent: the same again would change nothing
 }
 
 SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {

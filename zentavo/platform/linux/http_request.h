@@ -20,7 +20,8 @@ CurlEasy NewEasy(const HttpConnection::State& connection);
 
 // Neither copied nor moved: libcurl holds its address.
 struct HttpRequest::State {
-  State(std::shared_ptr<HttpConnection::State> connection, std::string path, std::string verb);
+  State(std::shared_ptr<HttpConnection::State> of_connection, std::string of_path,
+        std::string of_verb);
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State();

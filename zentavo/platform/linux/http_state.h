@@ -56,7 +56,7 @@ struct HttpSession::State {
 };
 
 struct HttpConnection::State {
-  State(std::shared_ptr<HttpSession::State> session, const HttpEndpoint& endpoint);
+  State(std::shared_ptr<HttpSession::State> of_session, const HttpEndpoint& server);
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State();

@@ -67,7 +67,7 @@ bool StartOwnThread(void (*function)(void*), void* context) {
   const SignalsBlocked blocked;
   pthread_t thread{};
   if (pthread_create(&thread, nullptr, RunThread, start.get()) != 0) return false;
-  start.release();
+  static_cast<void>(start.release());  // the thread's now
   pthread_detach(thread);
   return true;
 }

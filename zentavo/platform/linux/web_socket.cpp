@@ -20,8 +20,8 @@ namespace beast = boost::beast;
 namespace ws = boost::beast::websocket;
 using boost::system::error_code;
 
-constexpr std::int32_t kLongestClosing = 10000;   // milliseconds
-constexpr std::size_t kWriteBuffer = 128 * 1024;  // bytes masked and written at once
+constexpr std::int32_t kLongestClosing = 10000;               // milliseconds
+constexpr std::size_t kWriteBuffer = std::size_t{128} << 10;  // bytes masked and written at once
 
 // The streams ask for a context although nothing here is asynchronous; it never runs.
 asio::io_context& IdleContext() {
@@ -41,7 +41,7 @@ class LinkStream {
 
   explicit LinkStream(const HttpConnection::State& connection) : link_(connection) {}
 
-  executor_type get_executor() { return IdleContext().get_executor(); }
+  static executor_type get_executor() { return IdleContext().get_executor(); }
   WebSocketLink& Link() { return link_; }
   SystemError Failure() const { return failure_; }
   // Of the answer that was read first, 0 when it was none.

@@ -150,20 +150,29 @@ std::unique_ptr<HttpRequest> HttpRequest::Open(const HttpConnection& connection,
   return std::unique_ptr<HttpRequest>(new HttpRequest(std::move(state)));
 }
 
-SystemError HttpRequest::IgnoreClientCertificate() {
-  return HttpErrorOf(WinHttpSetOption(state_->handle.get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
-                                      WINHTTP_NO_CLIENT_CERT_CONTEXT, 0));
+// Tells the service to go on without a certificate when that is what `error` asks for; then the
+// failed step is to be made once more.
+bool HttpRequest::State::RetryWithoutCertificate(SystemError error) const {
+  return error == kHttpClientCertificateNeeded &&
+         WinHttpSetOption(handle.get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
+                          WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
 }
 
 SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
-  const HINTERNET handle = state_->handle.get();
+  const SystemError error = state_->Send(headers, body);
+  if (!state_->RetryWithoutCertificate(error)) return error;
+  if (body != nullptr) body->Rewind();
+  return state_->Send(headers, body);
+}
+
+SystemError HttpRequest::State::Send(std::u16string_view headers, HttpBody* body) const {
   const std::uint64_t size = body != nullptr ? body->Size() : 0;
   std::wstring lines = ToWide(headers);
   if (size > kLongestTotal) lines += L"Content-Length: " + std::to_wstring(size) + L"\r\n";
   std::vector<std::byte> piece(static_cast<std::size_t>(std::min<std::uint64_t>(size, kSendPiece)));
   std::uint64_t sent = size != 0 ? body->Read(piece) : 0;
   const auto total = static_cast<DWORD>(std::min<std::uint64_t>(size, kLongestTotal + 1));
-  if (!WinHttpSendRequest(handle, lines.empty() ? nullptr : lines.c_str(),
+  if (!WinHttpSendRequest(handle.get(), lines.empty() ? nullptr : lines.c_str(),
                           static_cast<DWORD>(lines.size()), piece.data(), static_cast<DWORD>(sent),
                           total, 0)) {
     return Uniform(GetLastError());
@@ -172,7 +181,7 @@ SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
     const std::size_t count = body->Read(piece);
     if (count == 0) return kHttpConnectionError;
     DWORD written = 0;
-    if (!WinHttpWriteData(handle, piece.data(), static_cast<DWORD>(count), &written)) {
+    if (!WinHttpWriteData(handle.get(), piece.data(), static_cast<DWORD>(count), &written)) {
       return Uniform(GetLastError());
     }
     sent += count;
@@ -181,7 +190,12 @@ SystemError HttpRequest::Send(std::u16string_view headers, HttpBody* body) {
 }
 
 SystemError HttpRequest::Receive() {
-  if (!WinHttpReceiveResponse(state_->handle.get(), nullptr)) return Uniform(GetLastError());
+  const auto receive = [this] {
+    return HttpErrorOf(WinHttpReceiveResponse(state_->handle.get(), nullptr));
+  };
+  SystemError error = receive();
+  if (state_->RetryWithoutCertificate(error)) error = receive();
+  if (error != 0) return error;
   return RawHeaders().starts_with(u"HTTP/") ? 0 : kHttpInvalidResponse;
 }
 

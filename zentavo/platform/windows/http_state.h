@@ -46,6 +46,8 @@ struct HttpConnection::State {
 };
 
 struct HttpRequest::State {
+  bool RetryWithoutCertificate(SystemError error) const;
+  SystemError Send(std::u16string_view headers, HttpBody* body) const;
   // The bytes of the body that must arrive.
   std::uint64_t ExpectedSize() const;
 

@@ -31,23 +31,13 @@ SystemError Uniform(SystemError error) {
   }
 }
 
-// Makes an exchange's step; once more without a certificate when the server asks for one.
-template <typename Step>
-SystemError WithOneRetry(HttpRequest& request, Step step) {
-  SystemError error = step();
-  if (error == kHttpClientCertificateNeeded && request.IgnoreClientCertificate() == 0) {
-    error = step();
-  }
-  return error;
-}
-
 SystemError Exchange(HttpRequest& request) {
   if (!WinHttpSetOption(request.Native().handle.get(), WINHTTP_OPTION_UPGRADE_TO_WEB_SOCKET,
                         nullptr, 0)) {
     return GetLastError();
   }
-  const SystemError error = WithOneRetry(request, [&] { return request.Send({}, nullptr); });
-  return error == 0 ? WithOneRetry(request, [&] { return request.Receive(); }) : error;
+  const SystemError error = request.Send({}, nullptr);
+  return error == 0 ? request.Receive() : error;
 }
 
 std::uint32_t StatusOf(HINTERNET request) {
