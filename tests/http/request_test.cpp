@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/http/http_asks.h"
+#include "tests/support/environment.h"
 #include "tests/support/http_server.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temporary_folder.h"
@@ -275,16 +276,11 @@ TEST(HttpRequest, GoesThroughTheProxyOfTheEnvironment) {
   if (kOnWindows) GTEST_SKIP() << "the proxy is the system's setting there";
   HttpServer proxy(Always(Response("proxied")));
   HttpServer direct(Always(Response("direct")));
-  const AnsiString address = ToUtf8(proxy.Url());
-  SetVariable("http_proxy", address.c_str());
-  const String through = THTTPRequest::DoExecute(u"http://somewhere.invalid/x", u"");
-  SetVariable("no_proxy", "127.0.0.1");
-  const String beside = THTTPRequest::DoExecute(direct.Url(), u"");
-  SetVariable("http_proxy", nullptr);
-  SetVariable("no_proxy", nullptr);
-  EXPECT_EQ(through, u"proxied");
+  const EnvironmentVariable setting("http_proxy", ToUtf8(proxy.Url()));
+  EXPECT_EQ(THTTPRequest::DoExecute(u"http://somewhere.invalid/x", u""), u"proxied");
   EXPECT_EQ(proxy.Requests().front().line, "GET http://somewhere.invalid/x HTTP/1.1");
-  EXPECT_EQ(beside, u"direct");
+  const EnvironmentVariable exception("no_proxy", "127.0.0.1");
+  EXPECT_EQ(THTTPRequest::DoExecute(direct.Url(), u""), u"direct");
 }
 
 }  // namespace

@@ -175,7 +175,7 @@ TEST(WebSocket, HandshakeMustBeRight) {
     if (row.under == Under::kNotWine && RunsUnderWine()) continue;
     SCOPED_TRACE(row.name);
     WebSocketServer server([&row](WebSocketPeer& peer) {
-      const std::string key = AcceptKey(HeaderOf(peer.ReadRequest(), "Sec-WebSocket-Key"));
+      const std::string key = AcceptKey(peer.ReadRequest().Header("Sec-WebSocket-Key"));
       std::string answer = row.answer;
       if (const std::size_t at = answer.find("KEY"); at != answer.npos) answer.replace(at, 3, key);
       peer.Send(answer);
@@ -191,19 +191,19 @@ TEST(WebSocket, HandshakeMustBeRight) {
 }
 
 TEST(WebSocket, AsksForTheUpgrade) {
-  std::vector<std::string> requests;
+  std::vector<ReceivedRequest> requests;
   WebSocketServer server([&](WebSocketPeer& peer) { requests.push_back(peer.ReadRequest()); });
   for (int i = 0; i < 2; ++i) TWebSocketConnection().Open(server.Url(u"/a/b?c=%20d"));
   server.Stop();
   ASSERT_EQ(requests.size(), 2u);
-  const std::string& request = requests[0];
-  EXPECT_TRUE(request.starts_with("GET /a/b?c=%20d HTTP/1.1\r\n")) << request;
-  EXPECT_EQ(HeaderOf(request, "Host"), "127.0.0.1:" + std::to_string(server.Port()));
-  EXPECT_EQ(HeaderOf(request, "User-Agent"), "Zentavo");
-  EXPECT_EQ(HeaderOf(request, "Upgrade"), "websocket");
-  EXPECT_EQ(HeaderOf(request, "Sec-WebSocket-Version"), "13");
-  EXPECT_EQ(HeaderOf(request, "Sec-WebSocket-Key").size(), 24u);
-  EXPECT_NE(HeaderOf(request, "Sec-WebSocket-Key"), HeaderOf(requests[1], "Sec-WebSocket-Key"));
+  const ReceivedRequest& request = requests[0];
+  EXPECT_EQ(request.line, "GET /a/b?c=%20d HTTP/1.1");
+  EXPECT_EQ(request.Header("Host"), "127.0.0.1:" + std::to_string(server.Port()));
+  EXPECT_EQ(request.Header("User-Agent"), "Zentavo");
+  EXPECT_EQ(request.Header("Upgrade"), "websocket");
+  EXPECT_EQ(request.Header("Sec-WebSocket-Version"), "13");
+  EXPECT_EQ(request.Header("Sec-WebSocket-Key").size(), 24u);
+  EXPECT_NE(request.Header("Sec-WebSocket-Key"), requests[1].Header("Sec-WebSocket-Key"));
 }
 
 TEST(WebSocket, SendsMaskedBinaryMessagesAndReceivesThemBack) {
@@ -353,7 +353,7 @@ TEST(WebSocket, ResetAtEachByteIsAnError) {
                              Frame(kText, "abc", 0) + Frame(kContinuation, "d") + CloseFrame(1000);
   std::atomic<std::size_t> sent{0};
   WebSocketServer server([&](WebSocketPeer& peer) {
-    const std::string key = AcceptKey(HeaderOf(peer.ReadRequest(), "Sec-WebSocket-Key"));
+    const std::string key = AcceptKey(peer.ReadRequest().Header("Sec-WebSocket-Key"));
     const std::string all = SwitchingProtocols(key) + frames;
     if (sent > all.size()) return;
     peer.Send(std::string_view(all).substr(0, sent));
@@ -503,7 +503,7 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
   if (kOnWindows) GTEST_SKIP() << "The proxy is the system's there.";
   std::string asked;
   WebSocketServer proxy([&](WebSocketPeer& peer) {
-    asked = peer.ReadRequest();
+    asked = peer.ReadRequest().line;
     peer.Send("HTTP/1.1 200 Established\r\n\r\n");
     ServeEcho(peer);
   });
@@ -511,7 +511,7 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
                                     "http://127.0.0.1:" + std::to_string(proxy.Port()));
   TWebSocketConnection channel;
   ASSERT_TRUE(channel.Open(u"ws://far.invalid/")) << channel.LastError();
-  EXPECT_TRUE(asked.starts_with("CONNECT far.invalid:80 HTTP/1.1\r\n")) << asked;
+  EXPECT_EQ(asked, "CONNECT far.invalid:80 HTTP/1.1");
   TMemoryStream answer;
   EXPECT_TRUE(channel.SendMsg(AnsiString("through")) && channel.ReceiveMsg(answer));
   EXPECT_EQ(TextOf(answer), "through");
@@ -520,14 +520,14 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
 TEST(WebSocket, CookiesOfRequestsAreSentAlong) {
   std::vector<std::string> cookies;
   WebSocketServer server([&](WebSocketPeer& peer) {
-    const std::string request = peer.ReadRequest();
-    if (request.starts_with("GET /login")) {
+    const ReceivedRequest request = peer.ReadRequest();
+    if (request.line.starts_with("GET /login")) {
       peer.Send(
           "HTTP/1.1 200 OK\r\nSet-Cookie: user=7; Path=/; HttpOnly\r\nSet-Cookie: deep=1; "
           "Path=/chat\r\nSet-Cookie: tls=1; Path=/; Secure\r\nConnection: close\r\n"
           "Content-Length: 0\r\n\r\n");
     } else {
-      cookies.push_back(HeaderOf(request, "Cookie"));
+      cookies.push_back(request.Header("Cookie"));
     }
   });
   String path;

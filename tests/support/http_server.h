@@ -58,13 +58,10 @@ class HttpPeer {
     while ((end = pending_.find("\r\n\r\n")) == std::string::npos) {
       if (!Fill()) return std::nullopt;
     }
-    ReceivedRequest request;
-    const std::size_t line_end = pending_.find("\r\n");
-    request.line = pending_.substr(0, line_end);
-    request.headers = pending_.substr(line_end + 2, end - line_end);
-    request.connection = number_;
-    pending_.erase(0, end + 4);
-    return request;
+    const std::string head = Take(end + 4);
+    const std::size_t line_end = head.find("\r\n");
+    return ReceivedRequest{
+        head.substr(0, line_end), head.substr(line_end + 2, end - line_end), {}, number_};
   }
   // With its body; the client sends no chunks.
   std::optional<ReceivedRequest> Read() {
@@ -72,21 +69,24 @@ class HttpPeer {
     if (!request) return std::nullopt;
     const std::string length = request->Header("Content-Length");
     const std::size_t size = length.empty() ? 0 : static_cast<std::size_t>(std::stoull(length));
-    while (pending_.size() < size) {
-      if (!Fill()) return std::nullopt;
+    request->body = Take(size);
+    return request->body.size() == size ? request : std::nullopt;
+  }
+  // The next `size` bytes, fewer when the client goes.
+  std::string Take(std::size_t size) {
+    while (pending_.size() < size && Fill()) {
     }
-    request->body = pending_.substr(0, size);
-    pending_.erase(0, size);
-    return request;
+    std::string taken = pending_.substr(0, size);
+    pending_.erase(0, taken.size());
+    return taken;
   }
   // Reads `size` bytes of a body and forgets them; returns their sum. Stops at the end.
   std::uint64_t Drain(std::uint64_t size) {
     std::uint64_t sum = 0;
     while (size != 0 && (!pending_.empty() || Fill())) {
-      const auto count = std::min<std::uint64_t>(size, pending_.size());
-      for (std::size_t i = 0; i < count; ++i) sum += static_cast<unsigned char>(pending_[i]);
-      pending_.erase(0, static_cast<std::size_t>(count));
-      size -= count;
+      const std::string taken = Take(std::min<std::uint64_t>(size, pending_.size()));
+      for (const char byte : taken) sum += static_cast<unsigned char>(byte);
+      size -= taken.size();
     }
     return sum;
   }
@@ -114,13 +114,16 @@ inline std::string Response(std::string_view body, std::string_view headers = {}
          "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
 }
 
+enum class Connections { kTogether, kOneByOne };
+
 class HttpServer {
  public:
   // What happens on one connection; it is closed afterwards. May record a request.
   using Script = std::function<void(HttpServer& server, HttpPeer& peer)>;
 
-  explicit HttpServer(Script script, int family = AF_INET)
-      : script_(std::move(script)), listener_(family), family_(family) {
+  explicit HttpServer(Script script, int family = AF_INET,
+                      Connections connections = Connections::kTogether)
+      : script_(std::move(script)), listener_(family), family_(family), connections_(connections) {
     if (Port() != 0) acceptor_ = std::thread([this] { AcceptAll(); });
   }
   HttpServer(const HttpServer&) = delete;
@@ -133,13 +136,10 @@ class HttpServer {
     {
       const std::lock_guard lock(mutex_);
       stopping_ = true;
+      for (const SystemSocket socket : open_) EndSystemSocket(socket);
     }
     ConnectTo(Port(), family_);
     acceptor_.join();
-    {
-      const std::lock_guard lock(mutex_);
-      for (const SystemSocket socket : open_) EndSystemSocket(socket);
-    }
     for (std::thread& thread : threads_) thread.join();
     listener_.Close();
   }
@@ -163,30 +163,36 @@ class HttpServer {
  private:
   void AcceptAll() {
     for (int number = 0;; ++number) {
-      Socket socket = listener_.Accept();
-      const std::lock_guard lock(mutex_);
-      if (stopping_) return;
-      open_.push_back(socket.get());
-      threads_.emplace_back([this, number, shared = std::make_shared<Socket>(std::move(socket))] {
-        HttpPeer peer(std::move(*shared), number);
-        const SystemSocket system_socket = peer.Channel().get();
-        script_(*this, peer);
-        const std::lock_guard forget(mutex_);
-        if (stopping_) return peer.Channel().LeaveEnded();
-        open_.remove(system_socket);
-        peer.Channel().Close();
-      });
+      const auto peer = std::make_shared<HttpPeer>(listener_.Accept(), number);
+      {
+        const std::lock_guard lock(mutex_);
+        if (stopping_) return;
+        open_.push_back(peer->Channel().get());
+      }
+      if (connections_ == Connections::kOneByOne) {
+        Serve(*peer);
+      } else {
+        threads_.emplace_back([this, peer] { Serve(*peer); });
+      }
     }
+  }
+  void Serve(HttpPeer& peer) {
+    script_(*this, peer);
+    const std::lock_guard lock(mutex_);
+    if (stopping_) return peer.Channel().LeaveEnded();
+    open_.remove(peer.Channel().get());
+    peer.Channel().Close();
   }
 
   const Script script_;
   Listener listener_;
   const int family_;
-  std::mutex mutex_;  // guards what follows
+  const Connections connections_;
+  std::mutex mutex_;  // guards what follows, up to the threads
   bool stopping_ = false;
   std::list<SystemSocket> open_;
   std::vector<ReceivedRequest> requests_;
-  std::list<std::thread> threads_;
+  std::list<std::thread> threads_;  // the acceptor's, until that has ended
   std::thread acceptor_;
 };
 

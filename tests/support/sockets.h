@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,10 +38,6 @@ inline constexpr bool kOnWindows = true;
 inline void EndSystemSocket(SystemSocket socket) {
   closesocket(socket);
 }
-// Null takes the variable of the environment away.
-inline void SetVariable(const char* name, const char* value) {
-  SetEnvironmentVariableA(name, value);
-}
 inline void StartSockets() {
   static const int started = [] {
     WSADATA data;
@@ -63,13 +58,6 @@ inline constexpr bool kEndingCloses = false;
 inline constexpr bool kOnWindows = false;
 inline void EndSystemSocket(SystemSocket socket) {
   shutdown(socket, SHUT_RDWR);
-}
-inline void SetVariable(const char* name, const char* value) {
-  if (value != nullptr) {
-    setenv(name, value, 1);
-  } else {
-    unsetenv(name);
-  }
 }
 inline void StartSockets() {}
 #endif
@@ -130,28 +118,37 @@ class Socket {
   SystemSocket socket_ = kNoSocket;
 };
 
+// 127.0.0.1 or ::1, with a port.
+union LoopbackAddress {
+  explicit LoopbackAddress(int family, std::uint16_t port = 0) : v6{} {
+    if (family == AF_INET6) {
+      v6.sin6_port = htons(port);
+      v6.sin6_addr.s6_addr[15] = 1;
+    } else {
+      v4.sin_port = htons(port);
+      v4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    }
+    any.sa_family = static_cast<decltype(any.sa_family)>(family);
+  }
+  socklen_t Size() const { return any.sa_family == AF_INET6 ? sizeof v6 : sizeof v4; }
+
+  sockaddr any;
+  sockaddr_in v4;
+  sockaddr_in6 v6;
+};
+
 // A listener on a free port of 127.0.0.1, or of ::1.
 class Listener {
  public:
   explicit Listener(int family = AF_INET) {
     StartSockets();
     socket_ = Socket(socket(family, SOCK_STREAM, 0));
-    sockaddr_in v4{};
-    v4.sin_family = AF_INET;
-    v4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    sockaddr_in6 v6{};
-    v6.sin6_family = AF_INET6;
-    v6.sin6_addr.s6_addr[15] = 1;
-    const bool is_v6 = family == AF_INET6;
-    auto* const address =
-        is_v6 ? reinterpret_cast<sockaddr*>(&v6) : reinterpret_cast<sockaddr*>(&v4);
-    auto size = static_cast<socklen_t>(is_v6 ? sizeof v6 : sizeof v4);
-    if (bind(socket_.get(), address, size) != 0 || listen(socket_.get(), 64) != 0) {
-      socket_.Close();
-      return;
+    LoopbackAddress address(family);
+    socklen_t size = address.Size();
+    if (bind(socket_.get(), &address.any, size) == 0 && listen(socket_.get(), 64) == 0) {
+      getsockname(socket_.get(), &address.any, &size);
+      port_ = ntohs(family == AF_INET6 ? address.v6.sin6_port : address.v4.sin_port);
     }
-    getsockname(socket_.get(), address, &size);
-    port_ = ntohs(is_v6 ? v6.sin6_port : v4.sin_port);
   }
 
   std::uint16_t Port() const { return port_; }  // 0: the system has no such family
@@ -172,20 +169,8 @@ class Listener {
 inline Socket ConnectTo(std::uint16_t port, int family = AF_INET) {
   StartSockets();
   Socket result(socket(family, SOCK_STREAM, 0));
-  sockaddr_in v4{};
-  v4.sin_family = AF_INET;
-  v4.sin_port = htons(port);
-  v4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  sockaddr_in6 v6{};
-  v6.sin6_family = AF_INET6;
-  v6.sin6_port = htons(port);
-  v6.sin6_addr.s6_addr[15] = 1;
-  const bool is_v6 = family == AF_INET6;
-  const auto* const address =
-      is_v6 ? reinterpret_cast<const sockaddr*>(&v6) : reinterpret_cast<const sockaddr*>(&v4);
-  if (connect(result.get(), address, static_cast<socklen_t>(is_v6 ? sizeof v6 : sizeof v4)) != 0) {
-    result.Close();
-  }
+  const LoopbackAddress address(family, port);
+  if (connect(result.get(), &address.any, address.Size()) != 0) result.Close();
   return result;
 }
 

@@ -15,6 +15,7 @@
 
 #include "tests/support/sockets.h"
 #include "tests/support/temporary_folder.h"
+#include "zentavo/platform/process.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -22,10 +23,6 @@
 #include <wincrypt.h>
 
 #include <vector>
-#else
-#include <spawn.h>
-#include <sys/wait.h>
-extern char** environ;
 #endif
 
 namespace zentavo::testing {
@@ -102,15 +99,16 @@ class TlsFront {
   TlsFront() {
     if (!std::filesystem::exists(ZENTAVO_TLS_FRONT)) return;
     const Listener listener;
-    if (!Start(std::to_string(listener.Port()))) return;
+    const std::string port = std::to_string(listener.Port());
+    const std::u16string arguments[] = {{port.begin(), port.end()}};
+    std::int32_t unused = 0;
+    if (platform::StartProgram(std::filesystem::path(ZENTAVO_TLS_FRONT).u16string(), arguments, 0,
+                               platform::ProcessWait::kNoWait, unused) != 0) {
+      return;
+    }
     control_ = listener.Accept();
     trust_ = std::make_unique<Trust>(ReadTo("\n\n"));
   }
-  ~TlsFront() {
-    control_.Close();
-    AwaitEnd();
-  }
-
   std::string ReadTo(std::string_view end) {
     std::string text;
     while (!text.ends_with(end)) {
@@ -120,33 +118,6 @@ class TlsFront {
     }
     return text.substr(0, text.size() - end.size());
   }
-
-#ifdef _WIN32
-  bool Start(const std::string& control_port) {
-    std::string line = "\"" ZENTAVO_TLS_FRONT "\" " + control_port;
-    STARTUPINFOA start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessA(ZENTAVO_TLS_FRONT, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                        nullptr, &start, &process)) {
-      return false;
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return true;
-  }
-  void AwaitEnd() {}
-#else
-  bool Start(std::string control_port) {
-    std::string program = ZENTAVO_TLS_FRONT;
-    char* const arguments[] = {program.data(), control_port.data(), nullptr};
-    return posix_spawn(&process_, program.c_str(), nullptr, nullptr, arguments, environ) == 0;
-  }
-  void AwaitEnd() {
-    if (process_ != 0) waitpid(process_, nullptr, 0);
-  }
-  pid_t process_ = 0;
-#endif
 
   Socket control_;
   std::unique_ptr<Trust> trust_;

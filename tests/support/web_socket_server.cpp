@@ -2,9 +2,7 @@
 
 #include <array>
 #include <bit>
-#include <cctype>
-
-#include "zentavo/framework/number_text.h"
+#include <utility>
 
 namespace zentavo::testing {
 
@@ -111,72 +109,9 @@ std::string SwitchingProtocols(std::string_view accept_key) {
       .append("\r\n\r\n");
 }
 
-std::string HeaderOf(std::string_view request, std::string_view name) {
-  const String wanted = u"\r\n" + FromUtf8(name) + u": ";
-  const std::size_t at = AnsiUpperCase(FromUtf8(request)).find(AnsiUpperCase(wanted));
-  if (at == String::npos) return {};
-  const std::string_view rest = request.substr(at + wanted.size());
-  return std::string(rest.substr(0, rest.find('\r')));
-}
-
-// A thread that waits in the system's receive cannot be woken everywhere, so the wait looks now and
-// then whether it still makes sense.
-bool WebSocketPeer::WaitForBytes() {
-  while (!ended_) {
-    fd_set waiting;
-    FD_ZERO(&waiting);
-    FD_SET(socket_.get(), &waiting);
-    timeval look{0, 50'000};
-    const auto last = static_cast<int>(socket_.get());
-    const int ready = select(last + 1, &waiting, nullptr, nullptr, &look);
-    if (ready != 0) return ready > 0;
-  }
-  return false;
-}
-
-std::string WebSocketPeer::Receive(std::size_t count) {
-  std::string bytes(count, '\0');
-  std::size_t done = 0;
-  while (done < count && WaitForBytes()) {
-    const auto wanted = static_cast<TransferSize>(count - done);
-    const auto some = recv(socket_.get(), bytes.data() + done, wanted, 0);
-    if (some <= 0) break;
-    done += static_cast<std::size_t>(some);
-  }
-  bytes.resize(done);
-  return bytes;
-}
-
-std::string WebSocketPeer::ReadRequest() {
-  std::string text;
-  for (std::string next = Receive(1); !next.empty(); next = Receive(1)) {
-    text += next;
-    if (text.ends_with("\r\n\r\n")) break;
-  }
-  return text;
-}
-
-void WebSocketPeer::Drain() {
-  while (!Receive(1).empty()) {
-  }
-}
-
-void WebSocketPeer::Reset() {
-  const std::lock_guard lock(closing_);
-  socket_.ResetAtClose();
-  socket_.Close();
-}
-
-void WebSocketPeer::End() {
-  ended_ = true;
-  const std::lock_guard lock(closing_);
-  if (socket_.IsOpen()) socket_.Shutdown(kShutSend);
-}
-
 bool WebSocketPeer::ShakeHands() {
-  const std::string request = ReadRequest();
-  if (!request.ends_with("\r\n\r\n")) return false;
-  return Send(SwitchingProtocols(AcceptKey(HeaderOf(request, "Sec-WebSocket-Key"))));
+  const std::string key = ReadRequest().Header("Sec-WebSocket-Key");
+  return !key.empty() && Send(SwitchingProtocols(AcceptKey(key)));
 }
 
 bool WebSocketPeer::ReadFrame(ReceivedFrame& frame) {
@@ -206,38 +141,11 @@ void WebSocketPeer::AnswerUntilClosed(bool echo) {
 }
 
 WebSocketServer::WebSocketServer(Script script)
-    : script_(std::move(script)), thread_([this] { Run(); }) {}
-
-WebSocketServer::~WebSocketServer() {
-  Stop();
-}
-
-String WebSocketServer::Url(StringView path) const {
-  return u"ws://127.0.0.1:" + IntToStr(Port()) + String(path);
-}
-
-void WebSocketServer::Stop() {
-  if (stopping_.exchange(true)) return;
-  {
-    const std::lock_guard lock(mutex_);
-    if (current_ != nullptr) current_->End();
-  }
-  ConnectTo(Port());
-  thread_.join();
-}
-
-void WebSocketServer::Run() {
-  for (;;) {
-    WebSocketPeer peer(listener_.Accept());
-    {
-      const std::lock_guard lock(mutex_);
-      if (stopping_) return;
-      current_ = &peer;
-    }
-    script_(peer);
-    const std::lock_guard lock(mutex_);
-    current_ = nullptr;
-  }
-}
+    : HttpServer(
+          [script = std::move(script)](HttpServer&, HttpPeer& connection) {
+            WebSocketPeer peer(connection);
+            script(peer);
+          },
+          AF_INET, Connections::kOneByOne) {}
 
 }  // namespace zentavo::testing

@@ -8,14 +8,11 @@
 //   channel.Open(server.Url(u"/path"));
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
-#include <thread>
 
-#include "tests/support/sockets.h"
+#include "tests/support/http_server.h"
 #include "zentavo/framework/text.h"
 
 namespace zentavo::testing {
@@ -40,72 +37,46 @@ std::string AcceptKey(std::string_view key);
 // The answer that accepts a handshake.
 std::string SwitchingProtocols(std::string_view accept_key);
 
-// The value of a header in a request's text; empty without one.
-std::string HeaderOf(std::string_view request, std::string_view name);
-
 struct ReceivedFrame {
   unsigned first_byte = 0;
   bool masked = false;
   std::string payload;
 };
 
-// The server's side of one connection. End may be called from any thread.
+// The server's side of one connection.
 class WebSocketPeer {
  public:
-  explicit WebSocketPeer(Socket socket) : socket_(std::move(socket)) {}
+  explicit WebSocketPeer(HttpPeer& peer) : peer_(peer) {}
 
-  // Reads up to the empty line, or until the client is gone.
-  std::string ReadRequest();
+  // An empty one when the client is gone.
+  ReceivedRequest ReadRequest() { return peer_.ReadHead().value_or(ReceivedRequest()); }
   // Reads the request and accepts it; false when the client is gone.
   bool ShakeHands();
-  bool Send(std::string_view bytes) { return !ended_ && socket_.Send(bytes); }
+  bool Send(std::string_view bytes) { return peer_.Send(bytes); }
   // `count` bytes, fewer when the client is gone.
-  std::string Receive(std::size_t count);
+  std::string Receive(std::size_t count) { return peer_.Take(count); }
   // Returns false when the client is gone.
   bool ReadFrame(ReceivedFrame& frame);
   // Answers a close frame, with `echo` data frames too, until the client is gone.
   void AnswerUntilClosed(bool echo = false);
   // Tells the client that no more comes.
-  void EndSending() { socket_.Shutdown(kShutSend); }
+  void EndSending() { peer_.Channel().Shutdown(kShutSend); }
   // Reads and forgets until the client is gone.
-  void Drain();
-  // Sends a reset instead of an orderly end.
-  void Reset();
-  // Ends sending and receiving; for other threads too.
-  void End();
+  void Drain() { peer_.AwaitEnd(); }
+  // Ends the connection by a reset, behind the script.
+  void Reset() { peer_.Channel().ResetAtClose(); }
 
  private:
-  bool WaitForBytes();
-
-  Socket socket_;
-  std::mutex closing_;
-  std::atomic<bool> ended_{false};
+  HttpPeer& peer_;
 };
 
-// Runs `script` for each connection, one after the other, on a thread of its own.
-class WebSocketServer {
+// Runs `script` for each connection, one after the other.
+class WebSocketServer : public HttpServer {
  public:
   using Script = std::function<void(WebSocketPeer&)>;
 
   explicit WebSocketServer(Script script);
-  ~WebSocketServer();
-  WebSocketServer(const WebSocketServer&) = delete;
-  WebSocketServer& operator=(const WebSocketServer&) = delete;
-
-  std::uint16_t Port() const { return listener_.Port(); }
-  String Url(StringView path = u"/") const;
-  // Ends the current connection and the thread.
-  void Stop();
-
- private:
-  void Run();
-
-  const Script script_;
-  Listener listener_;
-  std::atomic<bool> stopping_{false};
-  std::mutex mutex_;                  // guards `current_` against Stop
-  WebSocketPeer* current_ = nullptr;  // the one that the script talks to
-  std::thread thread_;
+  String Url(StringView path = u"/") const { return u"ws" + HttpServer::Url(path).substr(4); }
 };
 
 }  // namespace zentavo::testing
