@@ -8,6 +8,7 @@
 #include <string_view>
 #include <thread>
 
+#include "tests/support/error_of.h"
 #include "tests/support/program_run.h"
 #include "tests/support/temporary_folder.h"
 #include "zentavo/framework/exception.h"
@@ -208,13 +209,8 @@ TEST(TXMemIniFile, RefusesToSaveOverTextItCouldNotRead) {
   WriteBytes(folder / u"file.ini", "[s]\nk=\xFF\n");
   TXMemIniFile ini(folder / u"file.ini", TEncoding::Utf8());
   EXPECT_EQ(ini.ReadString(u"s", u"k", u""), u"\uFFFD");
-  try {
-    ini.UpdateFile();
-    FAIL();
-  } catch (const EWriteError& error) {
-    EXPECT_EQ(error.Message(),
-              u"'" + (folder / u"file.ini") + u"' is not valid text in its encoding");
-  }
+  EXPECT_EQ(testing::ErrorOf<EWriteError>([&] { ini.UpdateFile(); }),
+            testing::Quoted(ToUtf8(folder / u"file.ini")) + " is not valid text in its encoding");
   EXPECT_EQ(ReadBytes(folder / u"file.ini"), "[s]\nk=\xFF\n");
   ini.Rename(folder / u"copy.ini", false);
   ini.UpdateFile();

@@ -6,7 +6,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "support/thread_settings.h"
+#include "tests/support/error_of.h"
+#include "tests/support/thread_settings.h"
 #include "zentavo/expr/expression.h"
 #include "zentavo/expr/tokenizer.h"
 #include "zentavo/foundation/errors.h"
@@ -184,12 +185,7 @@ TEST(TExpressionEvaluator, StackHolds201Values) {
   EXPECT_EQ(host.VSP, kExpressionStackSize - 1);
   EXPECT_EQ(Text(host.Value(list + u",1)")), "Null");
   EXPECT_EQ(host.VSP, kExpressionStackSize);
-  try {
-    host.RunPush(1);
-    ADD_FAILURE() << "no error";
-  } catch (const EZentavoError& error) {
-    EXPECT_EQ(error.Message(), u"Expression stack overflow");
-  }
+  EXPECT_EQ(testing::ErrorOf<EZentavoError>([&] { host.RunPush(1); }), "Expression stack overflow");
 }
 
 TEST(TExpressionEvaluator, NumbersAndShortTextsTakeNoAllocation) {

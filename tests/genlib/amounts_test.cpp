@@ -6,11 +6,14 @@
 #include <limits>
 #include <random>
 
+#include "tests/support/error_of.h"
 #include "zentavo/foundation/errors.h"
 #include "zentavo/framework/number_text.h"
 
 namespace zentavo {
 namespace {
+
+using testing::ErrorOf;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -95,20 +98,10 @@ TEST(ZentavoDoubleRnd, RoundsUpAndDownOnMagnitudes) {
   EXPECT_EQ(ZentavoDoubleRnd(2147483647, 0, rndUp), 2147483647);
 }
 
-template <typename Call>
-String ErrorOf(Call call) {
-  try {
-    call();
-  } catch (const EZentavoError& error) {
-    return error.Message();
-  }
-  return u"no error";
-}
-
 TEST(ZentavoDoubleRnd, RefusesToCutBeyond32Bits) {
   for (const double value : {2147483647.5, -2147483648.0, kInfinity, kNaN}) {
-    EXPECT_EQ(ErrorOf([&] { ZentavoDoubleRnd(value, 0, rndUp); }),
-              FloatToStr(value) + u" is too large to be rounded up or down to 0 decimals");
+    EXPECT_EQ(ErrorOf<EZentavoError>([&] { ZentavoDoubleRnd(value, 0, rndUp); }),
+              ToUtf8(FloatToStr(value)) + " is too large to be rounded up or down to 0 decimals");
   }
 }
 
@@ -126,9 +119,10 @@ TEST(xARoundProc, RoundsToSteps) {
 }
 
 TEST(xARoundProc, RefusesWhatIsNoStep) {
-  EXPECT_EQ(ErrorOf([] { xARoundProc(1, 0); }), u"'0' is not a step to round to");
-  EXPECT_EQ(ErrorOf([] { xARoundProc(1, kNaN); }), u"'NAN' is not a step to round to");
-  EXPECT_EQ(ErrorOf([] { xARoundProc(1, kInfinity); }), u"'INF' is not a step to round to");
+  for (const double step : {0.0, kNaN, kInfinity}) {
+    EXPECT_EQ(ErrorOf<EZentavoError>([&] { xARoundProc(1, step); }),
+              testing::Quoted(ToUtf8(FloatToStr(step))) + " is not a step to round to");
+  }
 }
 
 }  // namespace

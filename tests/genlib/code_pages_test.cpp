@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/error_of.h"
 #include "zentavo/framework/code_page.h"
 #include "zentavo/framework/exception.h"
 
@@ -86,17 +87,10 @@ TEST(CodePages, ZeroIsTheSystemsAndUnknownNumbersRaise) {
   EXPECT_EQ(AnsiToUnicode("\xD9", 0), u"Ω");
   EXPECT_FALSE(NotInCodePage(u"Ω", 0));
   SetSystemCodePage(0);
-  const auto message = [](auto call) {
-    try {
-      call();
-    } catch (const EConvertError& error) {
-      return error.Message();
-    }
-    return String();
-  };
-  EXPECT_EQ(message([] { Utf8ToCodePage("a", 12345); }), u"Unknown code page 12345");
-  EXPECT_EQ(message([] { AnsiToUnicode("", 12345); }), u"Unknown code page 12345");
-  EXPECT_EQ(message([] { NotInCodePage(u"a", -1); }), u"Unknown code page -1");
+  using testing::ErrorOf;
+  EXPECT_EQ(ErrorOf([] { Utf8ToCodePage("a", 12345); }), "Unknown code page 12345");
+  EXPECT_EQ(ErrorOf([] { AnsiToUnicode("", 12345); }), "Unknown code page 12345");
+  EXPECT_EQ(ErrorOf([] { NotInCodePage(u"a", -1); }), "Unknown code page -1");
 }
 
 // Recorded on Windows (under Wine): the sum over all languages and sub-languages that have a page,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/thread_settings.h"
+#include "tests/support/error_of.h"
 #include "zentavo/framework/exception.h"
 
 namespace zentavo {
@@ -66,12 +67,8 @@ TEST(StringToDate, RaisesForWhatIsNoDate) {
        {u"x", u"2021", u"31/2/2021", u"4//3/2021", u"4/3/2021/5", u"/4/3/2021", u"4/3/2021 x",
         u"4/3/2021 25:00", u"4/3/2021 10", u"10:20", u"T10:20", u"2021-03-04T", u"4/3/20211",
         u"4032021", u"32132021", u"2021-13-01", u"4_3_2021"}) {
-    try {
-      StringToDate(text);
-      ADD_FAILURE() << ToUtf8(text);
-    } catch (const EConvertError& error) {
-      EXPECT_EQ(error.what(), "'" + ToUtf8(text) + "' is not a valid date");
-    }
+    EXPECT_EQ(testing::ErrorOf<EConvertError>([&] { StringToDate(text); }),
+              testing::Quoted(ToUtf8(text)) + " is not a valid date");
   }
 }
 

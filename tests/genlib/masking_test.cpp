@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/error_of.h"
 #include "zentavo/foundation/errors.h"
 
 namespace zentavo {
@@ -44,12 +45,8 @@ TEST(DecodeStr, RefusesStartsOutsideTheMask) {
   for (const char* text : {"#", "#@", "#a", "#\xFF"}) {
     EXPECT_THROW(DecodeStr(text), EZentavoError) << text;
   }
-  try {
-    DecodeStr("#aAA");
-    ADD_FAILURE();
-  } catch (const EZentavoError& error) {
-    EXPECT_EQ(error.Message(), u"Mask position 33 is not in 1..32");
-  }
+  EXPECT_EQ(testing::ErrorOf<EZentavoError>([] { DecodeStr("#aAA"); }),
+            "Mask position 33 is not in 1..32");
 }
 
 TEST(HashForString, SumsUnitsFromTheLast) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/error_of.h"
 #include "zentavo/foundation/errors.h"
 
 namespace zentavo {
@@ -39,19 +40,11 @@ TEST(ExtractProtasis, TakesLinesOfAtMostTheWidth) {
   }
 }
 
-TEST(ExtractProtasis, IsEmptyBehindTheEnd) {
+TEST(ExtractProtasis, IsEmptyBehindTheEndAndRefusesAWidthBelowOne) {
   std::int32_t position = 4;
   EXPECT_EQ(ExtractProtasis(u"abc", 5, position), u"");
-}
-
-TEST(ExtractProtasis, RefusesAWidthBelowOne) {
-  std::int32_t position = 1;
-  try {
-    ExtractProtasis(u"abc", 0, position);
-    ADD_FAILURE();
-  } catch (const EZentavoError& error) {
-    EXPECT_EQ(error.Message(), u"Line length must be at least 1, not 0");
-  }
+  EXPECT_EQ(testing::ErrorOf<EZentavoError>([&] { ExtractProtasis(u"abc", 0, position = 1); }),
+            "Line length must be at least 1, not 0");
 }
 
 TEST(TrimLiteral, DropsBlanksAndMaskLiteralsAtTheEnd) {

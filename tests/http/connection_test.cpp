@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/http/http_asks.h"
+#include "tests/support/error_of.h"
 #include "tests/support/http_server.h"
 
 namespace zentavo {
@@ -14,40 +15,29 @@ using namespace testing;  // the servers
 
 TEST(HttpConnection, RequestDecidesTheVerb) {
   HttpServer server(Always(Response("ok")));
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(u"/p?x=1"), path);
-  TMemoryStream empty;
+  OwnConnection client(server.Url(u"/p?x=1"));
+  EXPECT_TRUE(client.Request(client.path, nullptr, nullptr, {}, client.headers));
   TMemoryStream input;
   input.WriteBuffer("data", 4);  // its position is at the end: all of it is sent
   TMemoryStream output;
-  String headers;
-  EXPECT_TRUE(connection->Request(path, nullptr, &output, {}, headers));
-  EXPECT_TRUE(connection->Request(path, &empty, &output, {}, headers));
-  EXPECT_TRUE(connection->Request(path, &input, &output, {}, headers));
-  EXPECT_TRUE(connection->Request(path, &input, &output, {}, headers, u"PUT"));
-  EXPECT_TRUE(connection->Request(path, nullptr, &output, {}, headers, u"DELETE"));
-  EXPECT_TRUE(connection->Request(path, nullptr, nullptr, {}, headers, u"HEAD"));
-  const std::vector<ReceivedRequest> requests = server.Requests();
-  const char* const lines[] = {"GET /p?x=1 HTTP/1.1",    "GET /p?x=1 HTTP/1.1",
-                               "POST /p?x=1 HTTP/1.1",   "PUT /p?x=1 HTTP/1.1",
-                               "DELETE /p?x=1 HTTP/1.1", "HEAD /p?x=1 HTTP/1.1"};
-  ASSERT_EQ(requests.size(), std::size(lines));
-  for (std::size_t i = 0; i < requests.size(); ++i) EXPECT_EQ(requests[i].line, lines[i]);
-  EXPECT_EQ(requests[2].body, "data");
-  EXPECT_EQ(requests[3].body, "data");
+  EXPECT_TRUE(client.Request(client.path, &input, &output, {}, client.headers));
   EXPECT_EQ(output.Position(), 0);
+  EXPECT_TRUE(client.Ask() && client.Ask(u"PUT", "data") && client.Ask(u"DELETE"));
+  EXPECT_TRUE(client.Ask(u"HEAD"));
+  std::string lines;
+  std::string bodies;
+  for (const ReceivedRequest& request : server.Requests()) {
+    lines += request.line.substr(0, request.line.find(" /p?x=1 HTTP/1.1")) + " ";
+    bodies += "[" + request.body + "]";
+  }
+  EXPECT_EQ(lines, "GET POST GET PUT DELETE HEAD ");
+  EXPECT_EQ(bodies, "[][data][][data][][]");
 }
 
 TEST(HttpConnection, SendsItsAgentAndNoHeadersOfItsOwnMaking) {
   HttpServer server(Always(Response("ok")));
   for (const bool plain : {false, true}) {
-    THTTPConnection connection(true, plain);
-    String path;
-    connection.OpenConnectionFromUrl(server.Url(), path);
-    TMemoryStream input;
-    input.WriteBuffer("x", 1);
-    String headers;
-    connection.Request(path, &input, nullptr, u"X-Empty:\r\nX-Greek: \u03B1", headers);
+    OwnConnection(server.Url(), 10000, plain).Ask({}, "x", u"X-Empty:\r\nX-Greek: \u03B1");
     const ReceivedRequest request = server.Requests().back();
     EXPECT_EQ(request.Header("User-Agent"), plain ? "" : "Zentavo");
     EXPECT_NE(request.headers.find("X-Empty:"), std::string::npos);
@@ -64,83 +54,59 @@ TEST(HttpConnection, StatusDecidesSuccess) {
     const char* status;
     std::uint32_t code;
     bool success;
-    const char* body;
   };
-  const Row rows[] = {
-      {"200 OK", 200, true, "body"},     {"299 Odd", 299, true, "body"},
-      {"204 No Content", 204, true, ""}, {"300 Multiple", 300, false, ""},
-      {"404 Not Found", 404, false, ""}, {"500 Oops", 500, false, ""},
-
-  };
-  for (const Row& row : rows) {
+  for (const Row& row : {Row{"200 OK", 200, true}, Row{"299 Odd", 299, true},
+                         Row{"204 No Content", 204, true}, Row{"300 Multiple", 300, false},
+                         Row{"404 Not Found", 404, false}, Row{"500 Oops", 500, false}}) {
     SCOPED_TRACE(row.status);
-    HttpServer server(Always(Response(row.code == 204 ? "" : "body", "X: 1\r\n", row.status)));
-    String path;
-    const auto connection = CreateConnectionFromUrl(server.Url(), path);
-    TMemoryStream output;
-    String headers;
-    EXPECT_EQ(connection->Request(path, nullptr, &output, {}, headers), row.success);
-    EXPECT_EQ(connection->LastStatus(), row.code);
-    EXPECT_EQ(BytesOf(output), row.body);
-    EXPECT_NE(headers.find(u"\r\nX: 1\r\n"), String::npos);
-    TMemoryStream any_body;
-    connection->Request(path, nullptr, &output, {}, headers, {}, &any_body);
-    EXPECT_EQ(BytesOf(any_body), row.code == 204 ? "" : "body");
+    const std::string body = row.code == 204 ? "" : "body";
+    HttpServer server(Always(Response(body, "X: 1\r\n", row.status)));
+    OwnConnection client(server.Url());
+    EXPECT_EQ(client.Ask(), row.success);
+    EXPECT_EQ(client.LastStatus(), row.code);
+    EXPECT_EQ(client.answer, row.success ? body : "");
+    EXPECT_NE(client.headers.find(u"\r\nX: 1\r\n"), String::npos);
+    EXPECT_EQ(Get(client, client.path), body);  // into a stream of its own, whatever the status
   }
 }
 
 TEST(HttpConnection, RawHeadersFillABufferOf2000Bytes) {
   HttpServer server(Always(Response("b", "X-Long: " + std::string(3000, 'x') + "\r\n")));
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  TMemoryStream output;
-  String headers;
-  EXPECT_TRUE(connection->Request(path, nullptr, &output, {}, headers));
-  EXPECT_EQ(headers.size(), 999u);
-  EXPECT_EQ(BytesOf(output), "b");
+  OwnConnection client(server.Url());
+  EXPECT_TRUE(client.Ask());
+  EXPECT_EQ(client.headers.size(), 999u);
+  EXPECT_EQ(client.answer, "b");
 }
 
 TEST(HttpConnection, KeepsItsConnectionAlive) {
   HttpServer server(Always(Response("ok")));
-  THTTPConnection connection(true);
-  String path;
-  connection.OpenConnectionFromUrl(server.Url(), path);
+  OwnConnection connection(server.Url());
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Get(connection, u"/"), "ok");
   EXPECT_EQ(server.Requests().back().connection, 0);
   // A connection object after it uses what it left.
   connection.OpenConnection(u"localhost", false, 9);
-  connection.OpenConnectionFromUrl(server.Url(), path);
+  connection.OpenConnectionFromUrl(server.Url(), connection.path);
   EXPECT_EQ(Get(connection, u"/"), "ok");
   EXPECT_EQ(server.Requests().back().connection, 0);
 }
 
 TEST(HttpConnection, ConnectsAnewWhenTheKeptOneHasGone) {
   if (kOnWindows) GTEST_SKIP() << "Wine's service does not repeat what met a closed connection";
-  HttpServer server([](HttpServer& self, HttpPeer& peer) {
-    if (const auto request = peer.Read()) {
-      self.Record(*request);
-      peer.Send(Response("ok"));
-    }
-  });
-  THTTPConnection connection(true);
-  String path;
-  connection.OpenConnectionFromUrl(server.Url(), path);
+  HttpServer server(Once(Response("ok")));
+  OwnConnection connection(server.Url());
   for (int i = 0; i < 20; ++i) EXPECT_EQ(Get(connection, u"/"), "ok");
 }
 
 TEST(HttpConnection, OpensTheSameServerOnceWhateverThePort) {
   HttpServer server(Always(Response("ok")));
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  connection->OpenConnection(u"127.0.0.1", false, 1);  // no other port: nothing happens
-  EXPECT_EQ(Get(*connection, u"/"), "ok");
+  OwnConnection connection(server.Url());
+  connection.OpenConnection(u"127.0.0.1", false, 1);  // no other port: nothing happens
+  EXPECT_EQ(Get(connection, u"/"), "ok");
 }
 
 TEST(HttpConnection, CookiesAreTheSessions) {
   HttpServer server(Always(Response("ok", "Set-Cookie: a=1\r\n")));
-  THTTPConnection connection(true);
-  String path;
-  connection.OpenConnectionFromUrl(server.Url(), path);
+  OwnConnection connection(server.Url());
   Get(connection, u"/");
   Get(connection, u"/");
   EXPECT_EQ(server.Requests()[0].Header("Cookie"), "");
@@ -155,17 +121,11 @@ TEST(HttpConnection, ReachesIpv6) {
 
 TEST(HttpConnection, RefusesTextThatBreaksLines) {
   HttpServer server(Always(Response("ok")));
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  const auto refused = [&](StringView request_path, StringView headers, StringView verb) {
-    try {
-      String ignored;
-      connection->Request(request_path, nullptr, nullptr, headers, ignored, verb);
-      return false;
-    } catch (const EZentavoExtError& error) {
-      EXPECT_EQ(error.Message(), u"[WinHTTP]: Error 87");
-      return error.ErrorId() == 87;
-    }
+  OwnConnection client(server.Url());
+  const auto refused = [&](StringView path, StringView headers, StringView verb) {
+    client.path = path;
+    const std::string error = ErrorOf<EZentavoExtError>([&] { client.Ask(verb, {}, headers); });
+    return error == "[WinHTTP]: Error 87" && client.LastError() == 87;
   };
   for (const StringView headers :
        {StringView(u"X: a\nY: b"), StringView(u"X: a\rY: b"), StringView(u"X: a\r\n b"),
@@ -177,8 +137,8 @@ TEST(HttpConnection, RefusesTextThatBreaksLines) {
   EXPECT_TRUE(refused(u"/", {}, u"GET /x"));
   EXPECT_TRUE(refused(u"/", {}, u"GET\r\n"));
   EXPECT_TRUE(server.Requests().empty());
-  EXPECT_THROW(connection->OpenConnection(u"h/x", false), EZentavoExtError);
-  EXPECT_THROW(connection->OpenConnection(u"a@b", false), EZentavoExtError);
+  EXPECT_THROW(client.OpenConnection(u"h/x", false), EZentavoExtError);
+  EXPECT_THROW(client.OpenConnection(u"a@b", false), EZentavoExtError);
 }
 
 TEST(HttpConnection, NotificationsReachTheObject) {
@@ -204,8 +164,9 @@ TEST(HttpConnection, NotificationsReachTheObject) {
 }
 
 TEST(HttpConnection, DerivedClassReadsTheBody) {
-  class Doubling : public THTTPConnection {
+  class Doubling : public OwnConnection {
    public:
+    using OwnConnection::OwnConnection;
     void DoReadResponseStream(HttpExchange& request, TStream& stream) override {
       stream.WriteBuffer("<", 1);
       TMemoryStream own;
@@ -214,13 +175,9 @@ TEST(HttpConnection, DerivedClassReadsTheBody) {
     }
   };
   HttpServer server(Always(Response("ok")));
-  Doubling connection;
-  String path;
-  connection.OpenConnectionFromUrl(server.Url(), path);
-  TMemoryStream output;
-  String headers;
-  connection.Request(path, nullptr, &output, {}, headers);
-  EXPECT_EQ(BytesOf(output), "<ok");
+  Doubling connection(server.Url());
+  connection.Ask();
+  EXPECT_EQ(connection.answer, "<ok");
 }
 
 TEST(HttpConnection, RequestsOfOneConnectionMayOverlap) {
@@ -228,13 +185,12 @@ TEST(HttpConnection, RequestsOfOneConnectionMayOverlap) {
   HttpServer server(Answering([&](const ReceivedRequest& request) {
     return Response(request.line.find("/large") != std::string::npos ? large : "small");
   }));
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  const THTTPHandle first = connection->OpenRequest(u"/large", u"GET");
-  connection->SendRequest(*first, {}, nullptr, 0);
-  connection->ReceiveResponse(*first);
-  EXPECT_EQ(Get(*connection, u"/small"), "small");
-  EXPECT_EQ(connection->ReadResponseString(*first).size(), large.size());
+  OwnConnection connection(server.Url());
+  const THTTPHandle first = connection.OpenRequest(u"/large", u"GET");
+  connection.SendRequest(*first, {}, nullptr, 0);
+  connection.ReceiveResponse(*first);
+  EXPECT_EQ(Get(connection, u"/small"), "small");
+  EXPECT_EQ(connection.ReadResponseString(*first).size(), large.size());
 }
 
 TEST(HttpConnection, HostsThatShowErrorsThemselvesSeeTheSilentAbort) {

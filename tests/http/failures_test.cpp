@@ -54,18 +54,14 @@ HttpServer::Script StallingBehind(std::string bytes, std::string more = {}) {
 }
 
 TEST(HttpFailure, OfTime) {
-  for (const char* bytes : {"", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nContent-Le"}) {
-    if (kOnWindows && *bytes != '\0') continue;  // Wine's service faults on half of a head
+  for (const std::string bytes :
+       {"", "HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nContent-Le",
+        "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhalf", "HTTP/1.1 200 OK\r\n\r\nhalf",
+        "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\nha"}) {
+    const bool whole_head = bytes.find("\r\n\r\n") != bytes.npos;
+    if (kOnWindows && !whole_head && !bytes.empty()) continue;  // Wine's service faults there
     HttpServer server(StallingBehind(bytes));
     EXPECT_EQ(Get(server.Url(), 200), Error(12002)) << bytes;
-  }
-}
-
-TEST(HttpFailure, OfTimeWithinTheBody) {
-  for (const char* headers : {"Content-Length: 10\r\n\r\nhalf", "\r\nhalf",
-                              "Transfer-Encoding: chunked\r\n\r\n4\r\nha"}) {
-    HttpServer server(StallingBehind("HTTP/1.1 200 OK\r\n" + std::string(headers)));
-    EXPECT_EQ(Get(server.Url(), 200), Error(12002)) << headers;
   }
 }
 
@@ -104,12 +100,8 @@ TEST(HttpFailure, TimeOfABodyCountsFromItsLastPieceTaken) {
     peer.Send("cd");
     peer.AwaitEnd();
   });
-  THTTPConnection connection(true);
-  String path;
-  connection.OpenConnectionFromUrl(server.Url(), path);
-  connection.SetTimeouts(kReceiveMs, 10000);
-  String headers;
-  EXPECT_TRUE(connection.Request(path, nullptr, &output, {}, headers));
+  OwnConnection connection(server.Url(), kReceiveMs);
+  EXPECT_TRUE(connection.Request(connection.path, nullptr, &output, {}, connection.headers));
   EXPECT_EQ(BytesOf(output), "abcd");
 }
 

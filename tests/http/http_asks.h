@@ -13,6 +13,30 @@ inline std::string BytesOf(const TMemoryStream& stream) {
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+// To the server of an address, on a session of its own whose connections nobody else uses.
+class OwnConnection : public THTTPConnection {
+ public:
+  explicit OwnConnection(StringView url, std::int32_t receive_ms = 10000, bool plain = false)
+      : THTTPConnection(true, plain) {
+    OpenConnectionFromUrl(url, path);
+    SetTimeouts(receive_ms, 10000);
+  }
+
+  // Whether a request with `body` and `lines` succeeds; its body and headers are kept.
+  bool Ask(StringView verb = {}, std::string_view body = {}, StringView lines = {}) {
+    TMemoryStream input;
+    input.WriteBuffer(body.data(), std::ssize(body));
+    TMemoryStream output;
+    const bool success = Request(path, &input, &output, lines, headers, verb);
+    answer = BytesOf(output);
+    return success;
+  }
+
+  String path;
+  std::string answer;
+  String headers;
+};
+
 // The body of a GET; of a failed exchange the error's text, which `connection` keeps too.
 inline std::string Get(THTTPConnection& connection, StringView path) {
   TMemoryStream output;
@@ -26,13 +50,9 @@ inline std::string Get(THTTPConnection& connection, StringView path) {
   }
 }
 
-// On a session of its own, whose connections nobody else uses.
 inline std::string Get(StringView url, std::int32_t receive_ms = 10000) {
-  THTTPConnection connection(true);
-  String path;
-  connection.OpenConnectionFromUrl(url, path);
-  connection.SetTimeouts(receive_ms, 10000);
-  return Get(connection, path);
+  OwnConnection connection(url, receive_ms);
+  return Get(connection, connection.path);
 }
 
 }  // namespace zentavo::testing

@@ -19,4 +19,9 @@ std::string ErrorOf(Act&& act) {
   return "nothing raised";
 }
 
+// The text in the quotes of messages.
+inline std::string Quoted(const std::string& text) {
+  return std::string("'").append(text).append("'");
+}
+
 }  // namespace zentavo::testing

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/error_of.h"
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/memory_data_set.h"
 #include "zentavo/framework/stream.h"
@@ -140,13 +141,8 @@ TEST(HtmlObject, IndicesThatAreNoneRaise) {
        {std::pair<std::int32_t, std::function<void()>>(0, [&] { object.DeletePart(0); }),
         {-1, [&] { object.GetPart(-1, text, text); }},
         {-2, [&] { object.SetPart(-2, "", ""); }}}) {
-    try {
-      call();
-      ADD_FAILURE() << index;
-    } catch (const EListError& error) {
-      EXPECT_EQ(ToUtf8(error.Message()),
-                "List index out of bounds (" + std::to_string(index) + ")");
-    }
+    EXPECT_EQ(testing::ErrorOf<EListError>(call),
+              "List index out of bounds (" + std::to_string(index) + ")");
   }
 }
 

@@ -105,10 +105,10 @@ std::string Axes(const Scale& scale) {
     const std::string down = scale.Down(scale.Cost(tick));
     svg +=
         "<path d=\"M" + Place(kLeft) + " " + down + "H" + Place(kRight) + "\" stroke=\"#ddd\"/>\n";
-    svg += Text(Place(kLeft - 8), down, "text-anchor=\"end\" dominant-baseline=\"middle\"",
+    svg += Text(Place(kLeft - 8), down, R"(text-anchor="end" dominant-baseline="middle")",
                 Number(scale.Cost(tick)));
     const double generation = scale.Generation(tick);
-    svg += Text(scale.Across(generation), Place(kBottom + 20), "text-anchor=\"middle\"",
+    svg += Text(scale.Across(generation), Place(kBottom + 20), R"(text-anchor="middle")",
                 Number(generation));
   }
   return svg;

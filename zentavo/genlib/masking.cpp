@@ -105,7 +105,7 @@ AnsiString DecodeStr(std::string_view Text) {
 
 std::int32_t HashForString(StringView Text) {
   std::uint32_t hash = 0;
-  for (auto unit = Text.rbegin(); unit != Text.rend(); ++unit) hash = hash * 37 + *unit;
+  for (std::size_t i = Text.size(); i-- > 0;) hash = hash * 37 + Text[i];
   return static_cast<std::int32_t>(hash);
 }
 

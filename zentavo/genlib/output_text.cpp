@@ -32,7 +32,7 @@ String ExtractProtasis(StringView Text, std::int32_t MaxLength, std::int32_t& Po
   if (at >= Text.size()) return {};
   Text.remove_prefix(at);
   std::size_t length = LineLength(Text, static_cast<std::size_t>(MaxLength));
-  const String line = Trim(Text.substr(0, length));
+  String line = Trim(Text.substr(0, length));
   if (length < Text.size() && kBreaks.find(Text[length]) != StringView::npos) ++length;
   Position = static_cast<std::int32_t>(at + length) + 1;
   return line;

@@ -94,9 +94,10 @@ String AddFldsInSelect(StringView FieldList, StringView Alias, StringView SQL) {
   };
   String added;
   const auto fields = QuotedPieces(FieldList, u';', u'[', u']');
-  for (auto field = fields.rbegin(); field != fields.rend(); ++field) {
-    if (has(u',', *field, u',') || has(u'.', *field, u',') || has(u'.', *field, u' ')) continue;
-    added.append(Alias).append(u".").append(*field).append(u",");
+  for (std::size_t i = fields.size(); i-- > 0;) {
+    const StringView field = fields[i];
+    if (has(u',', field, u',') || has(u'.', field, u',') || has(u'.', field, u' ')) continue;
+    added.append(Alias).append(u".").append(field).append(u",");
   }
   String out(SQL);
   out.insert(std::min(kSelectLength, out.size()), added);

@@ -48,8 +48,8 @@ std::optional<std::int32_t> ReadLength(TStream& stream) {
   const std::optional<AnsiString> bytes = ReadBytes(stream, kLengthBytes);
   if (!bytes) return std::nullopt;
   std::uint32_t length = 0;
-  for (auto byte = bytes->rbegin(); byte != bytes->rend(); ++byte) {
-    length = length << 8 | static_cast<unsigned char>(*byte);
+  for (std::size_t i = bytes->size(); i-- > 0;) {
+    length = length << 8 | static_cast<unsigned char>((*bytes)[i]);
   }
   return static_cast<std::int32_t>(length);
 }

@@ -49,7 +49,7 @@ bool SetBlocking(int socket) {
 // 0 and below: without end.
 bool SetTimeout(int socket, int option, std::int32_t timeout_ms) {
   timeval timeout{};
-  if (timeout_ms > 0) timeout = {timeout_ms / 1000, timeout_ms % 1000 * 1000};
+  if (timeout_ms > 0) timeout = {timeout_ms / 1000, timeout_ms % 1000 * 1000L};
   return setsockopt(socket, SOL_SOCKET, option, &timeout, sizeof timeout) == 0;
 }
 
