@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "tests/support/error_of.h"
+#include "tests/support/sides.h"
 #include "tests/support/thread_settings.h"
 #include "zentavo/expr/expression.h"
 #include "zentavo/expr/tokenizer.h"
@@ -86,48 +87,22 @@ std::string Text(const Variant& value) {
 }
 
 TEST(TExpressionEvaluator, Evaluates) {
-  const struct {
-    const char16_t* source;
-    const char* value;
-  } rows[] = {
-      {u"", "Null"},
-      {u"7 / 2", "3.5"},
-      {u"a / b", "1.5"},
-      {u"a div b + a mod b", "3"},
-      {u"a - b * 2", "-2"},
-      {u"-a", "-6"},
-      {u"- -3", "-3"},
-      {u"3 - -2", "5"},
-      {u"not not c", "False"},
-      {u"-depth", "1"},
-      {u"a > b", "True"},
-      {u"a >= 6 and a <= 6 and not (a <> 6)", "True"},
-      {u"a < b or b = 4", "True"},
-      {u"a and 3", "2"},
-      {u"1 or a", "7"},
-      {u"text + 'def' = 'abcdef'", "True"},
-      {u"text + #33", "abc!"},
-      {u"'3' * 2", "6"},
-      {u"text * 2", "Null"},
-      {u"1 / 0", "Null"},
-      {u"a div 0", "Null"},
-      {u"null + 1", "Null"},
-      {u"null = null", "True"},
-      {u"fail(1)", "Null"},
-      {u"sum3(1, a, b * 2)", "15"},
-      {u"sum3(a, b)", "Null"},
-      {u"sum3('x', text, 'y')", "xabcy"},
-      {u"(2, 3)", "3"},
-      {u"drop(4)", ""},
-      {u"1 +", "Null"},
-      {u"*", "Null"},
-  };
   const testing::ThreadSettings settings{TFormatSettings()};
   Host host;
-  for (const auto& row : rows) {
-    SCOPED_TRACE(ToUtf8(row.source));
-    EXPECT_EQ(Text(host.Value(row.source)), row.value);
-  }
+  const auto value = [&](StringView source) { return Text(host.Value(source)); };
+  testing::ExpectRows(
+      {u" -> Null", u"7 / 2 -> 3.5", u"a / b -> 1.5", u"a div b + a mod b -> 3", u"a - b * 2 -> -2",
+       u"-a -> -6", u"- -3 -> -3", u"3 - -2 -> 5", u"not not c -> False", u"-depth -> 1",
+       u"a > b -> True", u"a >= 6 and a <= 6 and not (a <> 6) -> True", u"a < b or b = 4 -> True",
+       u"a and 3 -> 2", u"1 or a -> 7"},
+      value);
+  testing::ExpectRows(
+      {u"text + 'def' = 'abcdef' -> True", u"text + #33 -> abc!", u"'3' * 2 -> 6",
+       u"text * 2 -> Null", u"1 / 0 -> Null", u"a div 0 -> Null", u"null + 1 -> Null",
+       u"null = null -> True", u"fail(1) -> Null", u"sum3(1, a, b * 2) -> 15",
+       u"sum3(a, b) -> Null", u"sum3('x', text, 'y') -> xabcy", u"(2, 3) -> 3", u"drop(4) -> ",
+       u"1 + -> Null", u"* -> Null"},
+      value);
 }
 
 TEST(TExpressionEvaluator, WithoutCodeGivesNull) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/sides.h"
 #include "zentavo/expr/tokenizer.h"
 #include "zentavo/foundation/errors.h"
 #include "zentavo/framework/variant_convert.h"
@@ -28,7 +29,7 @@ std::string Dump(const TCodeList& code) {
   return dump;
 }
 
-class TExpressionTest : public testing::Test {
+class TExpressionTest : public ::testing::Test {
  protected:
   TExpressionTest() {
     for (const char16_t name : StringView(u"abc")) variables_.AddValue(String(1, name), name);
@@ -52,47 +53,27 @@ class TExpressionTest : public testing::Test {
 };
 
 TEST_F(TExpressionTest, CompilesByLevels) {
-  const struct {
-    const char16_t* source;
-    const char* code;
-  } rows[] = {
-      {u"  ", ""},
-      {u"1 + 2 * 3", "1 2 3 Multiply Add"},
-      {u"a = b + 1", "a b Eq 1 Add"},
-      {u"a / b * c", "a b c Multiply Divide"},
-      {u"a * b / c", "a b Multiply c Divide"},
-      {u"a - b - c", "a b Subtract c Subtract"},
-      {u"a or b and c", "a b Or c And"},
-      {u"a < b and b >= c", "a b Lt b c Ge And"},
-      {u"a div b mod c", "a b Div c Mod"},
-      {u"-a * b", "a Negative b Multiply"},
-      {u"3 - -2", "3 2 Negative Subtract"},
-      {u"a * (-b)", "a b Negative Multiply"},
-      {u"a = -b", "a b Negative Eq"},
-      {u"not not a", "Not a Not"},
-      {u"- -3", "Negative 3 Negative"},
-      {u"-f('abc')", "Negative 'abc' Function"},
-      {u"not f(a)", "Not a Function"},
-      {u"f(a, b + 1)", "a b 1 Add Function"},
-      {u"f(a, -b) - c", "a b Negative Function c Subtract"},
-      {u"f - 1", "Function 1 Negative"},
-      {u"f()", "Function"},
-      {u"(1, 2, (3))", "1 2 3"},
-      {u"a (b)", "a b"},
-      {u"#65 + null", "'A' '' Add"},
-
-      {u"a b", "a b ! Missing operator or semicolon"},
-      {u"(a) b", "a b ! Missing operator or semicolon"},
-      {u")", " ! Unexpected symbol ')'"},
-      {u"a, b", "a ! Unexpected symbol ','"},
-      {u"(a", "a ! Expected symbol ')'"},
-      {u"a + ?", "a ! Unexpected symbol '?'"},
-      {u"_a", " ! Unexpected symbol '_'"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(ToUtf8(row.source));
-    EXPECT_EQ(Compile(row.source), row.code);
-  }
+  const auto compile = [this](StringView source) { return Compile(source); };
+  testing::ExpectRows({u"   -> ", u"1 + 2 * 3 -> 1 2 3 Multiply Add", u"a = b + 1 -> a b Eq 1 Add",
+                       u"a / b * c -> a b c Multiply Divide", u"a * b / c -> a b Multiply c Divide",
+                       u"a - b - c -> a b Subtract c Subtract", u"a or b and c -> a b Or c And",
+                       u"a < b and b >= c -> a b Lt b c Ge And", u"a div b mod c -> a b Div c Mod",
+                       u"-a * b -> a Negative b Multiply", u"3 - -2 -> 3 2 Negative Subtract",
+                       u"a * (-b) -> a b Negative Multiply", u"a = -b -> a b Negative Eq"},
+                      compile);
+  testing::ExpectRows(
+      {u"not not a -> Not a Not", u"- -3 -> Negative 3 Negative",
+       u"-f('abc') -> Negative 'abc' Function", u"not f(a) -> Not a Function",
+       u"f(a, b + 1) -> a b 1 Add Function", u"f(a, -b) - c -> a b Negative Function c Subtract",
+       u"f - 1 -> Function 1 Negative", u"f() -> Function", u"(1, 2, (3)) -> 1 2 3",
+       u"a (b) -> a b", u"#65 + null -> 'A' '' Add"},
+      compile);
+  testing::ExpectRows(
+      {u"a b -> a b ! Missing operator or semicolon",
+       u"(a) b -> a b ! Missing operator or semicolon", u") ->  ! Unexpected symbol ')'",
+       u"a, b -> a ! Unexpected symbol ','", u"(a -> a ! Expected symbol ')'",
+       u"a + ? -> a ! Unexpected symbol '?'", u"_a ->  ! Unexpected symbol '_'"},
+      compile);
 }
 
 TEST_F(TExpressionTest, AppendsToTheCodeList) {

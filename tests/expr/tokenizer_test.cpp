@@ -4,7 +4,8 @@
 
 #include <random>
 
-#include "support/thread_settings.h"
+#include "tests/support/sides.h"
+#include "tests/support/thread_settings.h"
 #include "zentavo/expr/parse_lib.h"
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/variant_convert.h"
@@ -57,56 +58,36 @@ class Tokens : public TTokenizer {
   }
 };
 
-struct TokenRow {
-  const char16_t* source;
-  const char* dump;
-};
-
-constexpr TokenRow kTokens[] = {
-    {u"", ""},
-    {u" \t\r\n ", ""},
-    {u"'a''b' ''", "2.1.0.0[a]a 2.1.0.0[b]b 2.1.0.0[] "},
-    {u"12. 1.5", "2.2.0.0[12.]12 2.2.0.0[1.5]1.5 "},
-    {u"#65 #66", "2.1.0.0[#65]A 2.1.0.0[#66]B "},
-    {u":P.1+", "2.1.0.0[P.1]5 1.12.3.0[+] "},
-    {u"NULL", "2.1.0.0[NULL]Null "},
-    {u"OR and Not mod dIV",
-     "1.19.2.0[OR] 1.18.2.0[and] 1.20.7.0[Not] 1.16.5.0[mod] 1.17.5.0[dIV] "},
-    {u"Local item.price", "2.3.0.7[Local] 2.4.0.10[item.price] "},
-    {u"F a", "1.5.7.20[F] 2.4.0.10[a] "},
-    {u"*+-/=", "1.14.6.0[*] 1.12.3.0[+] 1.13.3.0[-] 1.15.5.0[/] 1.6.3.0[=] "},
-    {u"< <= <> > >= < >",
-     "1.10.3.0[<] 1.11.3.0[<=] 1.7.3.0[<>] 1.8.3.0[>] 1.9.3.0[>=] 1.10.3.0[<] 1.8.3.0[>] "},
-    {u"(,)", "3.0.1.0[(] 5.0.0.0[,] 4.0.1.0[)] "},
-    {u"_a\u00A0", "0.0.0.0[_] 2.4.0.10[a] 0.0.0.0[\u00A0] "},
-    {u"TWO (a, f(a, a)) one()",
-     "1.5.7.20[TWO] 3.0.1.0[(] 2.4.0.10[a] 5.0.0.0[,] 1.5.7.20[f] "
-     "3.0.1.0[(] 2.4.0.10[a] 5.0.0.0[,] 2.4.0.10[a] 4.0.1.0[)] "
-     "4.0.1.0[)] 1.5.7.20[one] 3.0.1.0[(] 4.0.1.0[)] "},
-
-    {u"a 'b", "1 ! Unterminated string"},
-    {u"1.2.3", "0 ! 1.2.3 is not a valid number"},
-    {u"1..", "0 ! 1.. is not a valid number"},
-    {u"#1.5", "0 ! '1.5' is not a valid integer value"},
-    {u"#", "0 ! '' is not a valid integer value"},
-    {u"#65536", "0 ! Range check error"},
-    {u"A", "0 ! Undeclared identifier 'A'"},
-    {u"zero", "0 ! Undeclared identifier 'zero'"},
-    {u"two(a)", "0 ! Not enough parameters"},
-    {u"one", "0 ! Not enough parameters"},
-    {u"f(one(a, a))", "2 ! To many parameters"},
-    {u"one(two(a, a, a))", "2 ! To many parameters"},
-    {u"one(a", "0 ! Expected '')''"},
-    {u"one([a] b)", "0 ! Expected '',' or ')''"},
-};
-
 TEST(TTokenizer, ClassifiesAndResolvesTokens) {
   const testing::ThreadSettings settings{TFormatSettings()};
   Tokens tokens;
-  for (const TokenRow& row : kTokens) {
-    SCOPED_TRACE(ToUtf8(row.source));
-    EXPECT_EQ(tokens.Dump(row.source), row.dump);
-  }
+  const auto dump = [&](StringView source) { return tokens.Dump(source); };
+  testing::ExpectRows(
+      {u" -> ", u" \t\r\n  -> ", u"'a''b' '' -> 2.1.0.0[a]a 2.1.0.0[b]b 2.1.0.0[] ",
+       u"12. 1.5 -> 2.2.0.0[12.]12 2.2.0.0[1.5]1.5 ", u"#65 #66 -> 2.1.0.0[#65]A 2.1.0.0[#66]B ",
+       u":P.1+ -> 2.1.0.0[P.1]5 1.12.3.0[+] ", u"NULL -> 2.1.0.0[NULL]Null ",
+       u"OR and Not mod dIV -> 1.19.2.0[OR] 1.18.2.0[and] 1.20.7.0[Not] 1.16.5.0[mod] "
+       u"1.17.5.0[dIV] ",
+       u"Local item.price -> 2.3.0.7[Local] 2.4.0.10[item.price] ",
+       u"F a -> 1.5.7.20[F] 2.4.0.10[a] ",
+       u"*+-/= -> 1.14.6.0[*] 1.12.3.0[+] 1.13.3.0[-] 1.15.5.0[/] 1.6.3.0[=] ",
+       u"< <= <> > >= < > -> 1.10.3.0[<] 1.11.3.0[<=] 1.7.3.0[<>] 1.8.3.0[>] 1.9.3.0[>=] "
+       u"1.10.3.0[<] 1.8.3.0[>] ",
+       u"(,) -> 3.0.1.0[(] 5.0.0.0[,] 4.0.1.0[)] ",
+       u"_a\u00A0 -> 0.0.0.0[_] 2.4.0.10[a] 0.0.0.0[\u00A0] ",
+       u"TWO (a, f(a, a)) one() -> 1.5.7.20[TWO] 3.0.1.0[(] 2.4.0.10[a] 5.0.0.0[,] 1.5.7.20[f] "
+       u"3.0.1.0[(] 2.4.0.10[a] 5.0.0.0[,] 2.4.0.10[a] 4.0.1.0[)] 4.0.1.0[)] 1.5.7.20[one] "
+       u"3.0.1.0[(] 4.0.1.0[)] "},
+      dump);
+  testing::ExpectRows(
+      {u"a 'b -> 1 ! Unterminated string", u"1.2.3 -> 0 ! 1.2.3 is not a valid number",
+       u"1.. -> 0 ! 1.. is not a valid number", u"#1.5 -> 0 ! '1.5' is not a valid integer value",
+       u"# -> 0 ! '' is not a valid integer value", u"#65536 -> 0 ! Range check error",
+       u"A -> 0 ! Undeclared identifier 'A'", u"zero -> 0 ! Undeclared identifier 'zero'",
+       u"two(a) -> 0 ! Not enough parameters", u"one -> 0 ! Not enough parameters",
+       u"f(one(a, a)) -> 2 ! To many parameters", u"one(two(a, a, a)) -> 2 ! To many parameters",
+       u"one(a -> 0 ! Expected '')''", u"one([a] b) -> 0 ! Expected '',' or ')''"},
+      dump);
 }
 
 TEST(TTokenizer, WithoutListsNothingIsDeclared) {

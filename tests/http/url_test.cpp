@@ -45,39 +45,17 @@ TEST(Url, SplitsIntoParts) {
 }
 
 TEST(Url, RefusesWhatIsNone) {
-  constexpr StringView kUrls[] = {u"",
-                                  u"h",
-                                  u"http",
-                                  u"http:",
-                                  u"http:/h",
-                                  u"http://",
-                                  u"http:///p",
-                                  u"http://:80/",
-                                  u"http://?x",
-                                  u"ftp://h/",
-                                  u"://h",
-                                  u" http://h",
-                                  u"http://h h/",
-                                  u"http://h:0/",
-                                  u"http://h:65536/",
-                                  u"http://h:99999999999/",
-                                  u"http://h:8a/",
-                                  u"http://h:-1/",
-                                  u"http://[::1",
-                                  u"http://[]/",
-                                  u"http://[::1]x/",
-                                  u"http://[g::1]/",
-                                  u"http://::1/",
-                                  u"http://h/\r\nX: y",
-                                  u"http://h/a\x7F",
-                                  u"http://h%2F/",
-                                  u"http://a@b\r@h/",
-                                  u"http://user@/p",
-                                  u"http://h<x>/",
-                                  u"javascript:alert(1)"};
-  for (const StringView url : kUrls) {
-    EXPECT_EQ(Dump(TrySplitUrl(url)), u"none") << ToUtf8(url);
-  }
+  const auto refuses = [](std::initializer_list<StringView> urls) {
+    for (const StringView url : urls) EXPECT_EQ(Dump(TrySplitUrl(url)), u"none") << ToUtf8(url);
+  };
+  refuses({u"", u"h", u"http", u"http:", u"http:/h", u"ftp://h/", u"://h", u" http://h",
+           u"javascript:alert(1)"});
+  refuses({u"http://",        u"http:///p",      u"http://:80/",     u"http://?x",
+           u"http://h h/",    u"http://h:0/",    u"http://h:65536/", u"http://h:99999999999/",
+           u"http://h:8a/",   u"http://h:-1/",   u"http://[::1",     u"http://[]/",
+           u"http://[::1]x/", u"http://[g::1]/", u"http://::1/",     u"http://h/\r\nX: y",
+           u"http://h/a\x7F", u"http://h%2F/",   u"http://a@b\r@h/", u"http://user@/p",
+           u"http://h<x>/"});
   EXPECT_FALSE(TrySplitUrl(StringView(u"http://h/\0x", 11)));
 }
 

@@ -131,10 +131,10 @@ std::string Picture(const std::vector<ConvergencePoint>& points) {
   svg += Axes(scale);
   svg += Line(scale, points, &ConvergencePoint::average, "average");
   svg += Line(scale, points, &ConvergencePoint::best, "best");
-  svg += Text(Place(kRight - 8), Place(kTop + 14), "class=\"average\" text-anchor=\"end\"",
+  svg += Text(Place(kRight - 8), Place(kTop + 14), R"(class="average" text-anchor="end")",
               "average cost");
-  svg += Text(Place(kRight - 8), Place(kTop + 32), "class=\"best\" text-anchor=\"end\"",
-              "lowest cost");
+  svg +=
+      Text(Place(kRight - 8), Place(kTop + 32), R"(class="best" text-anchor="end")", "lowest cost");
   svg +=
       Text(Place((kLeft + kRight) / 2), Place(kHeight - 4), "text-anchor=\"middle\"", "generation");
   return svg + "</svg>\n";

@@ -10,7 +10,7 @@ namespace zentavo::tool {
 
 namespace {
 
-constexpr std::size_t kWrittenBlock = 256 * 1024;  // bytes
+constexpr std::size_t kWrittenBlock = std::size_t{256} << 10;  // bytes
 constexpr std::size_t kLongestLineBreak = 2;
 
 bool NeedsQuotes(std::string_view text) {
@@ -51,7 +51,7 @@ bool CsvReader::ReadRecord() {
 
 // Moves the unread bytes to the front and fills the rest, which grows when a record takes it all.
 void CsvReader::Fill() {
-  const std::size_t size = static_cast<std::size_t>(end_ - begin_);
+  const auto size = static_cast<std::size_t>(end_ - begin_);
   if (size > kLongestLineBreak) CheckLength(size - kLongestLineBreak);
   if (size > 0) std::memmove(buffer_.data(), begin_, size);
   if (size > buffer_.size() / 2) buffer_.resize(buffer_.size() * 2);
@@ -119,7 +119,7 @@ CsvReader::Scan CsvReader::ScanQuotedField() {
   }
   if (escaped) escaped_.push_back(fields_.size());
   const char* const text = start + 1;
-  const std::size_t length = static_cast<std::size_t>(at_ - text);
+  const auto length = static_cast<std::size_t>(at_ - text);
   ++at_;
   AddField({text, length}, start);
   return Scan::kDone;
