@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <set>
 #include <string>
+
+#include "tests/support/environment.h"
 
 namespace zentavo::platform {
 namespace {
@@ -41,34 +41,18 @@ TEST(UserLocaleData, IsComplete) {
 }
 
 #ifndef _WIN32
-// Sets the locale variables of the environment for one test; those not named are removed.
-class LocaleVariables {
- public:
-  using Setting = std::pair<const char*, const char*>;
-
-  explicit LocaleVariables(std::initializer_list<Setting> settings) {
-    for (std::size_t i = 0; i < std::size(kNames); ++i) {
-      if (const char* value = std::getenv(kNames[i])) saved_[i] = value;
-      unsetenv(kNames[i]);
-    }
-    for (const Setting& setting : settings) setenv(setting.first, setting.second, 1);
-  }
-  ~LocaleVariables() {
-    for (std::size_t i = 0; i < std::size(kNames); ++i) {
-      saved_[i] ? setenv(kNames[i], saved_[i]->c_str(), 1) : unsetenv(kNames[i]);
-    }
-  }
-  LocaleVariables(const LocaleVariables&) = delete;
-  LocaleVariables& operator=(const LocaleVariables&) = delete;
-
- private:
-  static constexpr const char* kNames[] = {"LC_ALL", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
-                                           "LANG"};
-  std::optional<std::string> saved_[std::size(kNames)];
+// The locale variables of the environment for one test; those that are not named are empty.
+struct LocaleVariables {
+  const char *all = "", *numeric = "", *time = "", *monetary = "", *lang = "";
+  const testing::EnvironmentVariable lc_all{"LC_ALL", all};
+  const testing::EnvironmentVariable lc_numeric{"LC_NUMERIC", numeric};
+  const testing::EnvironmentVariable lc_time{"LC_TIME", time};
+  const testing::EnvironmentVariable lc_monetary{"LC_MONETARY", monetary};
+  const testing::EnvironmentVariable lc_lang{"LANG", lang};
 };
 
 TEST(UserLocaleData, ReadsGreek) {
-  const LocaleVariables variables({{"LANG", "el_GR.UTF-8"}});
+  const LocaleVariables variables{.lang = "el_GR.UTF-8"};
   const LocaleData data = UserLocaleData();
   EXPECT_EQ(data.decimal_separator, u',');
   EXPECT_EQ(data.thousand_separator, u'.');
@@ -85,7 +69,7 @@ TEST(UserLocaleData, ReadsGreek) {
 TEST(UserLocaleData, FallsBackToEnglish) {
   for (const char* name : {"C", "POSIX", "C.UTF-8", "", "xx_YY.UTF-8", "@", "."}) {
     SCOPED_TRACE(name);
-    const LocaleVariables variables({{"LC_ALL", name}});
+    const LocaleVariables variables{.all = name};
     const LocaleData data = UserLocaleData();
     EXPECT_EQ(data.decimal_separator, u'.');
     EXPECT_EQ(data.short_date_format, u"m/d/yyyy");
@@ -95,8 +79,8 @@ TEST(UserLocaleData, FallsBackToEnglish) {
 }
 
 TEST(UserLocaleData, EachCategoryHasItsLocale) {
-  const LocaleVariables variables(
-      {{"LC_NUMERIC", "de_DE"}, {"LC_TIME", "pt_BR"}, {"LC_MONETARY", "ja_JP"}, {"LANG", "en_GB"}});
+  const LocaleVariables variables{
+      .numeric = "de_DE", .time = "pt_BR", .monetary = "ja_JP", .lang = "en_GB"};
   const LocaleData data = UserLocaleData();
   EXPECT_EQ(data.thousand_separator, u'.');
   EXPECT_EQ(data.long_date_format, u"dddd, d 'de' mmmm 'de' yyyy");

@@ -5,21 +5,14 @@
 #include <cstdlib>
 #include <functional>
 
-#include "support/temporary_folder.h"
+#include "tests/support/error_of.h"
+#include "tests/support/temporary_folder.h"
 #include "zentavo/framework/variant_operators.h"
 
 namespace zentavo {
 namespace {
 
-template <typename Call>
-String ErrorOf(Call call) {
-  try {
-    call();
-  } catch (const EDatabaseError& error) {
-    return error.Message();
-  }
-  return u"no error";
-}
+using testing::ErrorOf;
 
 // Every test runs on a new SQLite file and, where there is one, on a PostgreSQL server.
 class TSqlDataSetTest : public ::testing::TestWithParam<bool> {
@@ -171,7 +164,7 @@ TEST_P(TSqlDataSetTest, RefusesRecordsThatOthersChanged) {
     items.Rename(1, u"A");
     items.Rename(3, u"C");
     TSqlConnection(url_).Execute(other);
-    EXPECT_EQ(ErrorOf([&] { items.ApplyUpdates(); }), u"Record changed by another user");
+    EXPECT_EQ(ErrorOf([&] { items.ApplyUpdates(); }), "Record changed by another user");
     EXPECT_TRUE(Names().starts_with(u"a b ")) << ToUtf8(Names());
     EXPECT_TRUE(items.UpdatesPending());
     items.First();
@@ -186,7 +179,7 @@ TEST_P(TSqlDataSetTest, WritesNothingWhenOneRecordFails) {
   items.Append();
   items.FieldByName(u"ID").SetAsInteger(2);
   items.Post();
-  EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }), u"no error");
+  EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }), "nothing raised");
   EXPECT_EQ(Names(), u"a b ");
   items.Edit();
   items.FieldByName(u"ID").SetAsInteger(3);
@@ -208,31 +201,33 @@ TEST_P(TSqlDataSetTest, NamesComputedAndRepeatedColumns) {
 TEST_P(TSqlDataSetTest, ReportsTheDatabasesErrors) {
   TSqlDataSet data(*connection_, u"T");
   data.SetSql(u"SELECT absent FROM nowhere");
-  const String error = ErrorOf([&] { data.Open(); });
-  EXPECT_NE(error.find(u"nowhere"), String::npos) << ToUtf8(error);
+  const std::string error = ErrorOf([&] { data.Open(); });
+  EXPECT_NE(error.find("nowhere"), error.npos) << error;
   EXPECT_FALSE(data.Active());
   data.SetSql(u"SELECT 1 AS one");
   data.Open();
   data.Edit();
   data.Fields(0).SetAsInteger(2);
-  EXPECT_EQ(ErrorOf([&] { data.ApplyUpdates(); }), u"T: There is no table to write to");
+  EXPECT_EQ(ErrorOf([&] { data.ApplyUpdates(); }), "T: There is no table to write to");
 }
 
 TEST(TSqlConnection, RefusesOtherUrls) {
   EXPECT_EQ(ErrorOf([] { TSqlConnection connection(u"mysql:x"); }),
-            u"'mysql:x' is not a database URL");
-  EXPECT_NE(ErrorOf([] { TSqlConnection connection(u"sqlite:/nowhere/at/all.db"); }), u"no error");
+            "'mysql:x' is not a database URL");
+  EXPECT_NE(ErrorOf([] { TSqlConnection connection(u"sqlite:/nowhere/at/all.db"); }),
+            "nothing raised");
 }
 
 // What keeps SQLite from writing, and what lets it write again.
 TEST(TSqlDataSet, StaysUsableWhenTheFileCannotBeWritten) {
   constexpr struct {
-    const char16_t *hinder, *release, *error;
+    const char16_t *hinder, *release;
+    const char* error;
     bool from_outside;
   } kRows[] = {
-      {u"BEGIN IMMEDIATE", u"ROLLBACK", u"locked", true},
-      {u"PRAGMA query_only = ON", u"PRAGMA query_only = OFF", u"readonly", false},
-      {u"PRAGMA max_page_count = 1", u"PRAGMA max_page_count = 100000", u"full", false},
+      {u"BEGIN IMMEDIATE", u"ROLLBACK", "locked", true},
+      {u"PRAGMA query_only = ON", u"PRAGMA query_only = OFF", "readonly", false},
+      {u"PRAGMA max_page_count = 1", u"PRAGMA max_page_count = 100000", "full", false},
   };
   for (const auto& row : kRows) {
     const testing::TemporaryFolder folder;
@@ -245,7 +240,7 @@ TEST(TSqlDataSet, StaysUsableWhenTheFileCannotBeWritten) {
     Items items(connection);
     items.Rename(1, String(100000, u'x').c_str());
     (row.from_outside ? other : connection).Execute(row.hinder);
-    EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }).find(row.error), String::npos);
+    EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }).find(row.error), std::string::npos);
     EXPECT_TRUE(items.UpdatesPending());
     (row.from_outside ? other : connection).Execute(row.release);
     items.Rename(1, u"b");
@@ -269,7 +264,7 @@ TEST_P(TSqlDataSetTest, OutlivesALostConnection) {
   Execute(
       u"CREATE TRIGGER hang_up BEFORE UPDATE ON item FOR EACH ROW WHEN (NEW.id = 2) "
       u"EXECUTE FUNCTION hang_up()");
-  EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }), u"no error");
+  EXPECT_NE(ErrorOf([&] { items.ApplyUpdates(); }), "nothing raised");
   connection_->Reconnect();
   EXPECT_EQ(Names(), u"a b ");
   Execute(u"DROP TRIGGER hang_up ON item");

@@ -7,12 +7,12 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
 
+#include "tests/support/environment.h"
 #include "tests/support/sockets.h"
 #include "tests/support/temporary_folder.h"
 #include "zentavo/platform/process.h"
@@ -62,16 +62,13 @@ class Trust {
   std::vector<BYTE> der_;
 #else
   explicit Trust(const std::string& pem) {
-    const std::filesystem::path file = folder_ / u"authority.pem";
-    std::ofstream(file) << pem;
-    setenv("SSL_CERT_FILE", file.c_str(), 1);
-  }
-  ~Trust() {
-    unsetenv("SSL_CERT_FILE");
+    std::ofstream(file_) << pem;
   }
 
  private:
-  TemporaryFolder folder_;
+  const TemporaryFolder folder_;
+  const std::filesystem::path file_ = folder_ / u"authority.pem";
+  const EnvironmentVariable place_{"SSL_CERT_FILE", file_.string()};
 #endif
 
  public:

@@ -1,9 +1,9 @@
 // Settings of the user that belong to one test, gone with it.
 #pragma once
 
-#include <cstdlib>
-#include <string>
+#include <filesystem>
 
+#include "tests/support/environment.h"
 #include "tests/support/temporary_folder.h"
 
 #ifdef _WIN32
@@ -42,14 +42,10 @@ class OwnUserSettings {
 
 // Those of programs that this process starts too.
 class OwnUserSettings {
- public:
-  OwnUserSettings() { setenv("XDG_CONFIG_HOME", std::filesystem::path(folder_.Path()).c_str(), 1); }
-  OwnUserSettings(const OwnUserSettings&) = delete;
-  OwnUserSettings& operator=(const OwnUserSettings&) = delete;
-  ~OwnUserSettings() { unsetenv("XDG_CONFIG_HOME"); }
-
  private:
-  TemporaryFolder folder_;
+  const TemporaryFolder folder_;
+  const EnvironmentVariable place_{"XDG_CONFIG_HOME",
+                                   std::filesystem::path(folder_.Path()).string()};
 };
 
 #endif

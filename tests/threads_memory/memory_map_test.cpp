@@ -155,14 +155,6 @@ TEST(TXMemoryMap, MutexIsHeldByOneThreadAsOftenAsItLocked) {
   EXPECT_TRUE(other_thread_locks(kForever));
 }
 
-TEST(TXMemoryMap, MutexOfAnEndedThreadReportsFailureOnce) {
-  TXMemoryMap map(UniqueName(), kSize, true);
-  std::thread([&] { EXPECT_TRUE(map.Lock(kForever)); }).join();
-  EXPECT_FALSE(map.Lock(kForever));
-  EXPECT_TRUE(map.Lock(0));
-  map.UnLock();
-}
-
 TEST(TXMemoryMap, TwoProcessesCountTogether) {
   constexpr int kRounds = 5000;
   const String name = UniqueName();

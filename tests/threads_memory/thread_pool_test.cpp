@@ -256,18 +256,6 @@ TEST(TXThreadPoolDelay, OrderHoldsAcrossTheWrapOfTheTicks) {
   }
 }
 
-TEST(TXThreadPoolDelay, TimerRunsItemsAndIsSetAgainForTheRest) {
-  Latch ran(3);
-  const auto start = std::chrono::steady_clock::now();
-  TXThreadPool pool(2);
-  for (const std::int32_t delay : {45, 1, 20}) {
-    pool.RunDelay(Does([&] { ran.Arrive(); }), delay);
-  }
-  ran.Wait();
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(45 - 10));
-  WaitUntilIdle(pool);
-}
-
 TEST(TXThreadPoolDelay, ZeroDelayInFrontSetsNoTimer) {
   TXThreadPool pool(1);
   std::string order;

@@ -65,16 +65,16 @@ TEST(DataCommand, PacksAllocatesAndFilters) {
                                              url,
                                              "--amount",
                                              "100",
-                                             "--source",
-                                             "SELECT W FROM DOC ORDER BY ID",
+                                             "--key",
+                                             "ID",
                                              "--weight",
                                              "w",
-                                             "--target",
-                                             "SELECT ID, COST FROM DOC ORDER BY ID",
                                              "--into",
                                              "COST",
-                                             "--key",
-                                             "ID"};
+                                             "--source",
+                                             "SELECT W FROM DOC ORDER BY ID",
+                                             "--target",
+                                             "SELECT ID, COST FROM DOC ORDER BY ID"};
   const std::vector<std::string> access = {"access", "--db",   url, "--table", "DOC", "--key",
                                            "ID",     "--user", "5", "--group", "3"};
   std::vector<std::string> mark = access;
