@@ -1,5 +1,6 @@
 // Answers requests with any bytes, over a real connection: each ends in an answer or in one of the
 // errors of an exchange. Redirects lead nowhere but to the same server.
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
@@ -38,8 +39,9 @@ class Server {
 
  private:
   void Serve(Answers& answers) {
+    const std::atomic<bool> never{false};
     for (;;) {
-      zentavo::testing::HttpPeer peer(listener_.Accept(), 0);
+      zentavo::testing::HttpPeer peer(listener_.Accept(), 0, never);
       if (peer.Read()) peer.Send(answers.Get());
     }
   }

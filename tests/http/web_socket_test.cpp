@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "tests/http/http_asks.h"
 #include "tests/support/environment.h"
 #include "tests/support/latch.h"
 #include "tests/support/tls_front.h"
 #include "tests/support/web_socket_server.h"
 #include "tests/support/wine.h"
-#include "zentavo/foundation/errors.h"
 #include "zentavo/framework/number_text.h"
 
 namespace zentavo::testing {
@@ -21,24 +21,18 @@ namespace {
 using namespace std::string_literals;
 
 constexpr std::int32_t kPatience = 20000;  // milliseconds; no test waits so long
-constexpr std::int32_t kHaste =
-    1000;  // milliseconds, where a time-out is expected behind a handshake
-
-std::string TextOf(const TMemoryStream& stream) {
-  const auto bytes = stream.Bytes();
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
+constexpr std::int32_t kHaste = 1000;      // where a time-out is expected behind a handshake
 
 // What the client receives until the end: messages in brackets, then how it ended.
 std::string Received(TWebSocketConnection& channel) {
   std::string text;
   TMemoryStream message;
-  while (channel.ReceiveMsg(message)) text.append("[").append(TextOf(message)).append("]");
+  while (channel.ReceiveMsg(message)) text.append("[").append(BytesOf(message)).append("]");
   if (channel.LastError() == 0) {
     const String close = IntToStr(channel.CloseStatus()) + u" " + channel.CloseReason();
     return text.append("close ").append(ToUtf8(close));
   }
-  if (message.Size() != 0) text.append("(").append(TextOf(message)).append(")");
+  if (message.Size() != 0) text.append("(").append(BytesOf(message)).append(")");
   return text.append("error ").append(std::to_string(channel.LastError()));
 }
 
@@ -221,7 +215,7 @@ TEST(WebSocket, SendsMaskedBinaryMessagesAndReceivesThemBack) {
     messages.emplace_back(size, static_cast<char>('a' + messages.size()));
     ASSERT_TRUE(session.channel.SendMsg(messages.back()));
     ASSERT_TRUE(session.channel.ReceiveMsg(stream));
-    EXPECT_EQ(TextOf(stream), messages.back());
+    EXPECT_EQ(BytesOf(stream), messages.back());
   }
   ASSERT_TRUE(session.channel.SendMsg(stream));
   ASSERT_TRUE(session.channel.SendMsg("xyz", 2));
@@ -250,7 +244,7 @@ TEST(WebSocket, AnswersPingsWhileReceiving) {
   });
   TMemoryStream stream;
   ASSERT_TRUE(session.channel.ReceiveMsg(stream));
-  EXPECT_EQ(TextOf(stream), "after");
+  EXPECT_EQ(BytesOf(stream), "after");
   EXPECT_EQ(answer.first_byte, kFin | kPong);
   EXPECT_EQ(answer.payload, text);
 }
@@ -267,7 +261,7 @@ TEST(WebSocket, MessageOf1300BytesGrowsTheStreamThreeTimesBy512) {
     ASSERT_TRUE(session.channel.ReceiveMsg(stream));
     EXPECT_EQ(stream.Capacity(), capacity);
   }
-  EXPECT_EQ(TextOf(stream), "xxx");
+  EXPECT_EQ(BytesOf(stream), "xxx");
 }
 
 TEST(WebSocket, MessageBeyondTheLimitIsRefused) {
@@ -293,12 +287,11 @@ TEST(WebSocket, EmptyMessagesDoNotKeepAReceiverOfBytes) {
     bool going = peer.ShakeHands();
     while (going) going = peer.Send(Frame(kBinary, ""));
   });
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  connection->InitWebSocket(path);
+  OwnConnection connection(server.Url());
+  connection.InitWebSocket(connection.path);
   char byte = 0;
-  EXPECT_FALSE(connection->ReceiveSocketBytes(&byte, 1));
-  EXPECT_EQ(connection->LastError(), 12152u);
+  EXPECT_FALSE(connection.ReceiveSocketBytes(&byte, 1));
+  EXPECT_EQ(connection.LastError(), 12152u);
 }
 
 TEST(WebSocket, ReceivesBytesAcrossMessages) {
@@ -307,22 +300,21 @@ TEST(WebSocket, ReceivesBytesAcrossMessages) {
     peer.Send(Frame(kBinary, "ab") + Frame(kBinary, "") + Frame(kText, "cdef") + CloseFrame(1001));
     peer.AnswerUntilClosed();
   });
-  String path;
-  const auto connection = CreateConnectionFromUrl(server.Url(), path);
-  connection->InitWebSocket(path);
+  OwnConnection connection(server.Url());
+  connection.InitWebSocket(connection.path);
   std::string bytes(3, ' ');
-  ASSERT_TRUE(connection->ReceiveSocketBytes(bytes.data(), 3));
+  ASSERT_TRUE(connection.ReceiveSocketBytes(bytes.data(), 3));
   EXPECT_EQ(bytes, "abc");
   TMemoryStream rest;
-  ASSERT_TRUE(connection->ReceiveSocketMsg(rest));
-  EXPECT_EQ(TextOf(rest), "def");
-  EXPECT_FALSE(connection->ReceiveSocketBytes(bytes.data(), 1));
-  EXPECT_EQ(connection->LastError(), 0u);
-  EXPECT_EQ(connection->SocketCloseStatus(), 1001);
-  EXPECT_FALSE(connection->ReceiveSocketBytes(bytes.data(), 1));
-  EXPECT_EQ(connection->LastError(), 4317u);
-  connection->CloseWebSocket();
-  EXPECT_EQ(connection->LastError(), 0u);
+  ASSERT_TRUE(connection.ReceiveSocketMsg(rest));
+  EXPECT_EQ(BytesOf(rest), "def");
+  EXPECT_FALSE(connection.ReceiveSocketBytes(bytes.data(), 1));
+  EXPECT_EQ(connection.LastError(), 0u);
+  EXPECT_EQ(connection.SocketCloseStatus(), 1001);
+  EXPECT_FALSE(connection.ReceiveSocketBytes(bytes.data(), 1));
+  EXPECT_EQ(connection.LastError(), 4317u);
+  connection.CloseWebSocket();
+  EXPECT_EQ(connection.LastError(), 0u);
 }
 
 TEST(WebSocket, OperationsWithoutAChannelRecordErrors) {
@@ -474,7 +466,7 @@ TEST(WebSocket, SpeaksTlsToServersItCanTrust) {
   for (const std::size_t size : {1, 4000, 1 << 20}) {
     const std::string message(size, 'x');
     ASSERT_TRUE(channel.SendMsg(message) && channel.ReceiveMsg(answer)) << channel.LastError();
-    EXPECT_TRUE(TextOf(answer) == message) << size;
+    EXPECT_TRUE(BytesOf(answer) == message) << size;
   }
   channel.Close();
   EXPECT_EQ(channel.LastError(), 0u);
@@ -514,7 +506,7 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
   EXPECT_EQ(asked, "CONNECT far.invalid:80 HTTP/1.1");
   TMemoryStream answer;
   EXPECT_TRUE(channel.SendMsg(AnsiString("through")) && channel.ReceiveMsg(answer));
-  EXPECT_EQ(TextOf(answer), "through");
+  EXPECT_EQ(BytesOf(answer), "through");
 }
 
 TEST(WebSocket, CookiesOfRequestsAreSentAlong) {
@@ -530,12 +522,8 @@ TEST(WebSocket, CookiesOfRequestsAreSentAlong) {
       cookies.push_back(request.Header("Cookie"));
     }
   });
-  String path;
-  THTTPConnection connection(true);
-  connection.OpenConnectionFromUrl(server.Url(u"/login"), path);
-  TMemoryStream body;
-  String headers;
-  ASSERT_TRUE(connection.Request(path, nullptr, &body, {}, headers));
+  OwnConnection connection(server.Url(u"/login"));
+  ASSERT_TRUE(connection.Ask());
   connection.InitWebSocket(u"/chatter");
   connection.InitWebSocket(u"/chat/room?x=1");
   server.Stop();

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <list>
 #include <memory>
@@ -44,13 +45,13 @@ struct ReceivedRequest {
   }
 };
 
-// The server's end of one connection.
+// The server's end of one connection, as long as `stopping` is false.
 class HttpPeer {
  public:
-  HttpPeer(Socket socket, int number) : socket_(std::move(socket)), number_(number) {}
+  HttpPeer(Socket socket, int number, const std::atomic<bool>& stopping)
+      : socket_(std::move(socket)), number_(number), stopping_(stopping) {}
 
-  // Not to be closed by a script.
-  Socket& Channel() { return socket_; }
+  const Socket& Channel() const { return socket_; }
 
   // The next request without its body; nothing when the client has gone.
   std::optional<ReceivedRequest> ReadHead() {
@@ -80,16 +81,6 @@ class HttpPeer {
     pending_.erase(0, taken.size());
     return taken;
   }
-  // Reads `size` bytes of a body and forgets them; returns their sum. Stops at the end.
-  std::uint64_t Drain(std::uint64_t size) {
-    std::uint64_t sum = 0;
-    while (size != 0 && (!pending_.empty() || Fill())) {
-      const std::string taken = Take(std::min<std::uint64_t>(size, pending_.size()));
-      for (const char byte : taken) sum += static_cast<unsigned char>(byte);
-      size -= taken.size();
-    }
-    return sum;
-  }
   bool Send(std::string_view bytes) { return socket_.Send(bytes); }
   // Waits until the client closes.
   void AwaitEnd() {
@@ -98,13 +89,17 @@ class HttpPeer {
 
  private:
   bool Fill() {
+    while (!socket_.HasArrivals()) {
+      if (stopping_) return false;
+    }
     const std::string bytes = socket_.Receive();
     pending_ += bytes;
     return !bytes.empty();
   }
 
-  Socket socket_;
-  int number_;
+  const Socket socket_;
+  const int number_;
+  const std::atomic<bool>& stopping_;
   std::string pending_;
 };
 
@@ -133,11 +128,7 @@ class HttpServer {
   // Ends all connections and answers no new ones.
   void Stop() {
     if (!acceptor_.joinable()) return;
-    {
-      const std::lock_guard lock(mutex_);
-      stopping_ = true;
-      for (const SystemSocket socket : open_) EndSystemSocket(socket);
-    }
+    stopping_ = true;
     ConnectTo(Port(), family_);
     acceptor_.join();
     for (std::thread& thread : threads_) thread.join();
@@ -163,34 +154,22 @@ class HttpServer {
  private:
   void AcceptAll() {
     for (int number = 0;; ++number) {
-      const auto peer = std::make_shared<HttpPeer>(listener_.Accept(), number);
-      {
-        const std::lock_guard lock(mutex_);
-        if (stopping_) return;
-        open_.push_back(peer->Channel().get());
-      }
+      const auto peer = std::make_shared<HttpPeer>(listener_.Accept(), number, stopping_);
+      if (stopping_) return;
       if (connections_ == Connections::kOneByOne) {
-        Serve(*peer);
+        script_(*this, *peer);
       } else {
-        threads_.emplace_back([this, peer] { Serve(*peer); });
+        threads_.emplace_back([this, peer] { script_(*this, *peer); });
       }
     }
-  }
-  void Serve(HttpPeer& peer) {
-    script_(*this, peer);
-    const std::lock_guard lock(mutex_);
-    if (stopping_) return peer.Channel().LeaveEnded();
-    open_.remove(peer.Channel().get());
-    peer.Channel().Close();
   }
 
   const Script script_;
   Listener listener_;
   const int family_;
   const Connections connections_;
-  std::mutex mutex_;  // guards what follows, up to the threads
-  bool stopping_ = false;
-  std::list<SystemSocket> open_;
+  std::atomic<bool> stopping_{false};
+  std::mutex mutex_;  // guards `requests_`
   std::vector<ReceivedRequest> requests_;
   std::list<std::thread> threads_;  // the acceptor's, until that has ended
   std::thread acceptor_;

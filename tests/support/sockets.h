@@ -17,6 +17,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #endif
@@ -32,12 +33,7 @@ inline constexpr int kSendFlags = 0;
 inline void CloseSystemSocket(SystemSocket socket) {
   closesocket(socket);
 }
-// Wakes whoever waits on the socket in another thread.
-inline constexpr bool kEndingCloses = true;
 inline constexpr bool kOnWindows = true;
-inline void EndSystemSocket(SystemSocket socket) {
-  closesocket(socket);
-}
 inline void StartSockets() {
   static const int started = [] {
     WSADATA data;
@@ -54,11 +50,7 @@ inline constexpr int kSendFlags = MSG_NOSIGNAL;
 inline void CloseSystemSocket(SystemSocket socket) {
   close(socket);
 }
-inline constexpr bool kEndingCloses = false;
 inline constexpr bool kOnWindows = false;
-inline void EndSystemSocket(SystemSocket socket) {
-  shutdown(socket, SHUT_RDWR);
-}
 inline void StartSockets() {}
 #endif
 
@@ -105,13 +97,14 @@ class Socket {
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&at_once),
                sizeof at_once);
   }
-  // After EndSystemSocket, instead of Close.
-  void LeaveEnded() {
-    if (kEndingCloses) {
-      socket_ = kNoSocket;
-    } else {
-      Close();
-    }
+  // Whether bytes, or the end, have arrived within ten milliseconds. A thread that waits in Receive
+  // cannot be woken everywhere.
+  bool HasArrivals() const {
+    fd_set waiting;
+    FD_ZERO(&waiting);
+    FD_SET(socket_, &waiting);
+    timeval look{0, 10'000};
+    return select(static_cast<int>(socket_) + 1, &waiting, nullptr, nullptr, &look) > 0;
   }
 
  private:
