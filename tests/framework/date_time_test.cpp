@@ -110,12 +110,9 @@ TEST(FormatDateTime, WritesByPattern) {
       [&](StringView pattern) { return ToUtf8(FormatDateTime(pattern, value, {})); });
 }
 
-TEST(FormatDateTime, HalvesTheDayAtNoon) {
+TEST(FormatDateTime, HalvesTheDayAndEndsForSettingsThatNameThemselves) {
   EXPECT_EQ(FormatDateTime(u"h am/pm", At(2024, 1, 1, 0, 30), {}), u"12 am");
   EXPECT_EQ(FormatDateTime(u"h am/pm", At(2024, 1, 1, 12, 30), {}), u"12 pm");
-}
-
-TEST(FormatDateTime, SettingsThatNameThemselvesEnd) {
   TFormatSettings settings;
   settings.ShortDateFormat = u"ccddddd yyyy";
   settings.LongTimeFormat = u"tt hh";

@@ -36,9 +36,6 @@ TEST(IntToStr, WritesTheWholeRange) {
   String text = u"n=";
   AppendUInt(text, std::numeric_limits<std::uint64_t>::max());
   EXPECT_EQ(text, u"n=18446744073709551615");
-}
-
-TEST(IntToHex, FillsWithZeros) {
   EXPECT_EQ(IntToHex(0, 0), u"0");
   EXPECT_EQ(IntToHex(0xBEEF, 2), u"BEEF");
   EXPECT_EQ(IntToHex(0xA, 20), u"0000000000000000000A");
@@ -171,16 +168,13 @@ TEST(StrToInt, ReadsDecimalAndHexadecimal) {
   }
 }
 
-TEST(StrToInt, FailsBeyondThirtyTwoBits) {
+TEST(StrToInt, FailsBeyondThirtyTwoBitsAndNamesTheText) {
   EXPECT_EQ(TryStrToInt(u"2147483647"), 2147483647);
   EXPECT_EQ(TryStrToInt(u"2147483648"), std::nullopt);
   EXPECT_EQ(TryStrToInt(u"-2147483648"), -2147483647 - 1);
   EXPECT_EQ(TryStrToInt(u"-2147483649"), std::nullopt);
   EXPECT_EQ(TryStrToInt(u"$FFFFFFFF"), std::nullopt);
   EXPECT_EQ(StrToIntDef(u"12x", 5), 5);
-}
-
-TEST(StrToInt, NamesTheText) {
   EXPECT_EQ(ErrorOf<EConvertError>([] { StrToInt(u"1 2"); }), "'1 2' is not a valid integer value");
   EXPECT_EQ(ErrorOf<EConvertError>([] { StrToInt64(u""); }), "'' is not a valid integer value");
   EXPECT_EQ(ErrorOf<EConvertError>([] { StrToFloat(u"5."); }),

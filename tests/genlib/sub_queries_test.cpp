@@ -14,7 +14,7 @@ TEST(InjectSubQueries, PacksNamesQueriesAndStatement) {
   EXPECT_EQ(InjectSubQueries(u"S", kNames, {}), u"#,T.X,T.Y#\r\n#S");
 }
 
-TEST(CheckSubQueries, CompletesTheStatement) {
+TEST(CheckSubQueries, CompletesTheStatementOfATextWithMarkers) {
   struct {
     String statement, packed;
     const char16_t *completed, *rest;
@@ -30,9 +30,6 @@ TEST(CheckSubQueries, CompletesTheStatement) {
     EXPECT_EQ(row.statement, row.completed);
     EXPECT_EQ(row.packed, row.rest);
   }
-}
-
-TEST(CheckSubQueries, LeavesATextWithoutMarkerAlone) {
   String statement = u"SELECT 1 FROM T";
   String packed = u"x#y";
   EXPECT_FALSE(CheckSubQueries(statement, packed));

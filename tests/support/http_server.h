@@ -81,7 +81,7 @@ class HttpPeer {
     pending_.erase(0, taken.size());
     return taken;
   }
-  bool Send(std::string_view bytes) { return socket_.Send(bytes); }
+  bool Send(std::string_view bytes) { return !stopping_ && socket_.Send(bytes); }
   // Waits until the client closes.
   void AwaitEnd() {
     while (Fill()) pending_.clear();

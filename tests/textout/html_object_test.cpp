@@ -96,15 +96,12 @@ TEST(HtmlObject, StreamsMayBeDamagedAnywhere) {
       EXPECT_LE(Loaded(damaged).size(), 2U) << at;
     }
   }
-  AnsiString no_total = whole;
-  no_total.replace(0, 4, "\xFF\xFF\xFF\xFF");
-  EXPECT_EQ(Loaded(no_total), Parts());
-  AnsiString huge_total = whole;
-  huge_total.replace(0, 4, "\xFF\xFF\xFF\x7F");
-  EXPECT_EQ(Loaded(huge_total), parts);
-  AnsiString negative_content = whole;
-  negative_content.replace(10, 4, "\xFF\xFF\xFF\xFF");
-  EXPECT_EQ(Loaded(negative_content), Parts());
+  const auto with = [&](std::size_t at, std::string_view length) {
+    return Loaded(AnsiString(whole).replace(at, 4, length));
+  };
+  EXPECT_EQ(with(0, "\xFF\xFF\xFF\xFF"), Parts());   // no total
+  EXPECT_EQ(with(0, "\xFF\xFF\xFF\x7F"), parts);     // a huge one
+  EXPECT_EQ(with(10, "\xFF\xFF\xFF\xFF"), Parts());  // negative content
 }
 
 TEST(HtmlObject, SavingCutsNothingOff) {
