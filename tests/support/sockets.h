@@ -97,14 +97,14 @@ class Socket {
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&at_once),
                sizeof at_once);
   }
-  // Whether bytes, or the end, have arrived within ten milliseconds. A thread that waits in Receive
-  // cannot be woken everywhere.
+  // Whether bytes, the end or an error have arrived within ten milliseconds. A thread that waits in
+  // Receive cannot be woken everywhere.
   bool HasArrivals() const {
     fd_set waiting;
     FD_ZERO(&waiting);
     FD_SET(socket_, &waiting);
     timeval look{0, 10'000};
-    return select(static_cast<int>(socket_) + 1, &waiting, nullptr, nullptr, &look) > 0;
+    return select(static_cast<int>(socket_) + 1, &waiting, nullptr, nullptr, &look) != 0;
   }
 
  private:
