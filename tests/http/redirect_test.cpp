@@ -14,7 +14,7 @@ std::string Redirect(std::string_view status, std::u16string_view location) {
 }
 
 // Answers /start with a redirect, all else with "end".
-HttpServer::Script RedirectingTo(std::string status, std::u16string location) {
+HttpServer::Script RedirectingTo(const std::string& status, const String& location) {
   return Answering([=](const ReceivedRequest& request) {
     const bool start = request.line.find(" /start ") != std::string::npos;
     return start ? Redirect(status, location) : Response("end");
@@ -101,7 +101,7 @@ TEST(HttpRedirect, AnswerComesBackWhereItLeadsNowhere) {
 TEST(HttpRedirect, EndsAfterTen) {
   const auto counting = [](int hops) {
     return Answering([hops](const ReceivedRequest& request) {
-      const int number = std::stoi(request.line.substr(request.line.find("/") + 1));
+      const int number = std::stoi(request.line.substr(request.line.find('/') + 1));
       return number == hops
                  ? Response("end")
                  : Response("", "Location: /" + std::to_string(number + 1) + "\r\n", "302 Found");
