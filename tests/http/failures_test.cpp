@@ -105,6 +105,22 @@ TEST(HttpFailure, TimeOfABodyCountsFromItsLastPieceTaken) {
   EXPECT_EQ(BytesOf(output), "abcd");
 }
 
+TEST(HttpFailure, OfTimeWhileNobodyReads) {
+  Latch done(1);
+  HttpServer deaf([&](HttpServer&, HttpPeer&) { done.Wait(); });
+  THTTPConnection::HttpCallTimeouts(10000, 300, 10000);
+  THTTPConnection connection(true);
+  THTTPConnection::HttpCallTimeouts(60000, 30000, 30000);  // 30000 to send marks them as unset
+  String path;
+  connection.OpenConnectionFromUrl(deaf.Url(), path);
+  TMemoryStream input;
+  input.SetSize(64 << 20);
+  String headers;
+  EXPECT_THROW(connection.Request(path, &input, nullptr, {}, headers), EZentavoExtError);
+  EXPECT_EQ(connection.LastError(), 12002u);
+  done.Arrive();
+}
+
 TEST(HttpFailure, OfTimeSetForTheThread) {
   HttpServer silent([](HttpServer&, HttpPeer& peer) { peer.AwaitEnd(); });
   THTTPConnection::HttpCallTimeouts(10000, 10000, 200);

@@ -196,11 +196,8 @@ bool HttpRequest::State::Perform() {
   return true;
 }
 
-// Returns whether something happened.
-bool HttpRequest::State::WaitFor(int milliseconds) {
-  int sockets = 0;
-  curl_multi_poll(connection->multi.get(), nullptr, 0, milliseconds, &sockets);
-  return sockets != 0;
+void HttpRequest::State::WaitFor(int milliseconds) const {
+  curl_multi_poll(connection->multi.get(), nullptr, 0, milliseconds, nullptr);
 }
 
 // libcurl gives up after several retries on connections that the server had closed, and counts
@@ -215,6 +212,13 @@ bool HttpRequest::State::Connected() const {
   curl_off_t time = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_PRETRANSFER_TIME_T, &time);
   return time != 0;
+}
+
+// Since the last look.
+bool HttpRequest::State::UploadedMore() {
+  curl_off_t count = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &count);
+  return std::exchange(uploaded_, count) != count;
 }
 
 bool HttpRequest::State::Sent() const {
@@ -233,19 +237,19 @@ SystemError HttpRequest::State::DriveUntil(Waiting waiting, Ready ready) {
       Fail(kHttpTimeout);
       break;
     }
-    const bool happened = WaitFor(static_cast<int>(std::min<std::int64_t>(left, kLongestWait)));
+    WaitFor(static_cast<int>(std::min<std::int64_t>(left, kLongestWait)));
     if (!Perform()) Fail(kHttpInternalError);
-    if (Prolongs(waiting, happened)) deadline = Clock::now() + allowed;
+    if (Prolongs(waiting)) deadline = Clock::now() + allowed;
   }
   return Outcome();
 }
 
 // Whether a step that was made while `waiting` lets the time-out start over. Connecting has
-// libcurl's own. Of a body only content counts: what stands around chunks, or within compression,
-// can go on for ever.
-bool HttpRequest::State::Prolongs(Waiting waiting, bool happened) {
+// libcurl's own. What other requests of the connection do is nothing to this one, and of a body
+// only content counts: what stands around chunks, or within compression, can go on for ever.
+bool HttpRequest::State::Prolongs(Waiting waiting) {
   switch (waiting) {
-    case Waiting::kToSend: return happened || !Connected();
+    case Waiting::kToSend: return UploadedMore() || !Connected();
     case Waiting::kForHeaders: return false;  // one time for all of them
     case Waiting::kForBody: return std::exchange(body_taken_, false);
   }

@@ -53,15 +53,16 @@ struct HttpRequest::State {
   // Drives until `ready` or the end of the exchange; returns its error.
   template <typename Ready>
   SystemError DriveUntil(Waiting waiting, Ready ready);
-  bool Prolongs(Waiting waiting, bool happened);
+  bool Prolongs(Waiting waiting);
   bool Perform();
-  bool WaitFor(int milliseconds);
+  void WaitFor(int milliseconds) const;
   bool TakeHeader(std::string_view line);
   std::size_t TakeBody(std::span<const std::byte> piece);
   std::size_t FillBody(std::span<std::byte> buffer);
   SystemError TakeWaiting(const BodySink& into);
   bool NewlyConnected() const;
   bool Connected() const;
+  bool UploadedMore();
   bool Sent() const;
   void Fail(SystemError error);
   SystemError Outcome();
@@ -70,7 +71,8 @@ struct HttpRequest::State {
   CurlList headers_;
   HttpBody* body_ = nullptr;
   std::uint64_t body_size_ = 0;
-  std::uint64_t body_sent_ = 0;
+  std::uint64_t body_sent_ = 0;     // handed to libcurl
+  curl_off_t uploaded_ = 0;         // to the server, as of the last look
   std::size_t header_bytes_ = 0;    // of all blocks and trailers
   bool block_done_ = false;         // an interim answer's headers are complete
   std::vector<std::byte> waiting_;  // of the body, read by nobody yet
