@@ -11,7 +11,8 @@ namespace zentavo::json_internal {
 namespace {
 
 constexpr std::size_t kLeastBytes = 128;
-constexpr std::size_t kMostBytes = 256 * 1024;  // of a chunk, unless one value needs more
+constexpr std::size_t kMostBytes = std::size_t{256}
+                                   << 10;  // of a chunk, unless one value needs more
 
 constexpr std::size_t RoundUp(std::size_t bytes) {
   return (bytes + alignof(Slot) - 1) / alignof(Slot) * alignof(Slot);

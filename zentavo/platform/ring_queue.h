@@ -17,7 +17,11 @@ class RingQueue {
   bool empty() const { return size_ == 0; }
   std::size_t size() const { return size_; }
 
-  // Raises std::bad_alloc; the queue is as before then.
+  // Makes room for `count` more elements. Raises std::bad_alloc; the queue is as before then.
+  void Reserve(std::size_t count) {
+    while (capacity_ - size_ < count) Grow();
+  }
+  // Raises the same, but where there is room.
   void push_back(const T& value) {
     if (size_ == capacity_) Grow();
     slots_[(first_ + size_) & (capacity_ - 1)] = value;

@@ -1,6 +1,6 @@
 #include "zentavo/threads_memory/thread_pool.h"
 
-#include <iterator>
+#include <algorithm>
 #include <utility>
 
 #include "zentavo/framework/exception.h"
@@ -64,19 +64,21 @@ void TXThreadPool::Run(TXWorkItem& Item) {
 
 void TXThreadPool::Start(TXWorkItem& item) {
   item.FPool = this;
-  if (TakePlace(item)) item.TXWorkItem::Run();
+  TXWorkItem* const items[] = {&item};
+  if (TakePlaces(items) == 1) item.TXWorkItem::Run();
 }
 
-bool TXThreadPool::TakePlace(TXWorkItem& item) {
+std::size_t TXThreadPool::TakePlaces(std::span<TXWorkItem* const> items) {
   Queue& queue = *queue_;
   const std::lock_guard guard(queue.lock);
-  if (queue.FRunning.load(std::memory_order_relaxed) < FMax) {
-    AddTo(queue.FRunning, 1);
-    return true;
-  }
-  queue.FList.push_back(&item);
-  AddTo(queue.queued, 1);
-  return false;
+  const auto free = std::max(FMax - queue.FRunning.load(std::memory_order_relaxed), 0);
+  const std::size_t starting = std::min(static_cast<std::size_t>(free), items.size());
+  const std::size_t waiting = items.size() - starting;
+  queue.FList.Reserve(waiting);
+  for (TXWorkItem* const item : items.subspan(starting)) queue.FList.push_back(item);
+  AddTo(queue.FRunning, static_cast<std::int32_t>(starting));
+  AddTo(queue.queued, static_cast<std::int32_t>(waiting));
+  return starting;
 }
 
 TXWorkItem* TXThreadPool::PickNext() {
@@ -115,22 +117,27 @@ void TXThreadPool::CheckDelay() {
   if (!FDelayed.empty()) ReplaceTimer(static_cast<std::int32_t>(FDelayed.begin()->first - now));
 }
 
-// An item whose start is refused is destroyed and does not keep the others back.
+// Takes all places at once: the item that is due first is the last of them, and would wait for each
+// of the others. An item whose start is refused is destroyed and does not keep the others back.
 void TXThreadPool::RunDue(std::uint32_t now) {
-  auto place = FDelayed.begin();
-  while (place != FDelayed.end() && static_cast<std::int32_t>(now - place->first) >= -kDueWithin) {
-    ++place;
-  }
-  while (place != FDelayed.begin()) {
-    const auto last = std::prev(place);
-    std::unique_ptr<TXWorkItem> item(last->second);
-    place = FDelayed.erase(last);
-    --delayed_count_;
+  const auto is_due = [now](const auto& delayed) {
+    return static_cast<std::int32_t>(now - delayed.first) >= -kDueWithin;
+  };
+  const auto end = std::find_if_not(FDelayed.begin(), FDelayed.end(), is_due);
+  due_.clear();
+  for (auto place = end; place != FDelayed.begin();) due_.push_back((--place)->second);
+  for (TXWorkItem* const item : due_) {
     item->FStartTime = 0;
+    item->FPool = this;
+  }
+  const std::size_t starting = TakePlaces(due_);
+  FDelayed.erase(FDelayed.begin(), end);
+  delayed_count_ -= static_cast<std::int32_t>(due_.size());
+  for (std::size_t i = 0; i < starting; ++i) {
     try {
-      Run(std::move(item));
+      due_[i]->TXWorkItem::Run();
     } catch (const Exception&) {
-      continue;
+      const std::unique_ptr<TXWorkItem> refused(due_[i]);
     }
   }
 }

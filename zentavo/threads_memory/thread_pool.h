@@ -13,6 +13,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <span>
+#include <vector>
 
 #include "zentavo/platform/brief_lock.h"
 #include "zentavo/platform/export.h"
@@ -85,8 +87,8 @@ class ZENTAVO_API TXThreadPool {
   };
 
   void Start(TXWorkItem& item);
-  // Returns whether the item is to be started now; otherwise it is queued.
-  bool TakePlace(TXWorkItem& item);
+  // Returns how many of the items, from the first on, are to be started now; the rest is queued.
+  std::size_t TakePlaces(std::span<TXWorkItem* const> items);
   // Both under delayed_lock_; the first returns false when the system refuses the timer.
   bool ReplaceTimer(std::int32_t ms);
   void RunDue(std::uint32_t now);
@@ -95,8 +97,9 @@ class ZENTAVO_API TXThreadPool {
   // Locks in the order in which they are taken: link_->lock, delayed_lock_, queue_->lock. No item
   // and no submission to the process-wide pool runs under the queue's lock.
   const std::shared_ptr<Queue> queue_;
-  std::mutex delayed_lock_;                                         // guards FDelayed and FTimer
+  std::mutex delayed_lock_;  // guards what follows, up to FTimer
   std::multimap<std::uint32_t, TXWorkItem*, EarlierTick> FDelayed;  // by due time
+  std::vector<TXWorkItem*> due_;                                    // kept for its memory
   platform::TimerPtr FTimer;
   const std::shared_ptr<Link> link_;
   std::atomic<std::int32_t> delayed_count_{0};
