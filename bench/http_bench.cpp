@@ -5,7 +5,6 @@
 // one wakes up. Each figure is the best of several rounds, in which the peers take turns: the
 // program's own processor time, and the time on the clock, which has nginx's part in it.
 #include <curl/curl.h>
-#include <sched.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/resource.h>
@@ -29,6 +28,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/one_processor.h"
 #include "tests/support/sockets.h"
 #include "zentavo/http/request.h"
 
@@ -48,13 +48,6 @@ constexpr int kRounds = 5;
 
 void Require(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
-}
-
-void UseOneProcessor() {
-  cpu_set_t one;
-  CPU_ZERO(&one);
-  CPU_SET(sched_getcpu(), &one);
-  sched_setaffinity(0, sizeof one, &one);
 }
 
 // nginx on a free port, serving a folder of its own.
@@ -336,7 +329,7 @@ void PrintMemory(const Nginx& server) {
 }  // namespace
 
 int main() {
-  UseOneProcessor();
+  bench::UseOneProcessor();
   curl_global_init(CURL_GLOBAL_DEFAULT);
   const Nginx server;
   PrintMemory(server);

@@ -1,8 +1,6 @@
 // Echoes of 125 bytes and 1 MB over loopback, beside Boost.Beast as it comes, Beast tuned for each
-// size, and libwebsockets. All talk to the same Beast server in a process of its own.
-//
-// Run it pinned to one processor (taskset -c 0), which the server inherits: otherwise the small
-// echo measures how fast an idle processor wakes.
+// size, and libwebsockets. All talk to the same Beast server in a process of its own, on one
+// processor.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/one_processor.h"
 #include "bench/ratios.h"
 #include "zentavo/framework/number_text.h"
 #include "zentavo/http/web_socket_connection.h"
@@ -235,6 +234,7 @@ void Register(const char* name, std::size_t size) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  bench::UseOneProcessor();
   TheServer();
   Register("echo_125B", kSmall);
   Register("echo_1MB", kLarge);
