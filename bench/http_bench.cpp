@@ -28,7 +28,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/one_processor.h"
+#include "one_processor.h"
 #include "tests/support/sockets.h"
 #include "zentavo/http/request.h"
 

@@ -18,8 +18,8 @@
 #include <string>
 #include <vector>
 
-#include "bench/one_processor.h"
-#include "bench/ratios.h"
+#include "one_processor.h"
+#include "ratios.h"
 #include "zentavo/framework/number_text.h"
 #include "zentavo/http/web_socket_connection.h"
 
