@@ -1,49 +1,25 @@
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
 
+#include "zentavo/framework/ascii_blocks.h"
 #include "zentavo/framework/text.h"
 
 namespace zentavo {
 
 namespace {
 
+using ascii_blocks::BlockHalf;
+using ascii_blocks::CopyBlock;
+using ascii_blocks::IsAsciiBlock;
+using ascii_blocks::kBlock;
+using ascii_blocks::kMixedRun;
+using ascii_blocks::WideHalf;
+
+static_assert(std::endian::native == std::endian::little);
+
 constexpr char32_t kReplacement = 0xFFFD;
-
-bool IsHighSurrogate(char16_t unit) {
-  return (unit & 0xFC00) == 0xD800;
-}
-bool IsLowSurrogate(char16_t unit) {
-  return (unit & 0xFC00) == 0xDC00;
-}
-
-// The code point at `index`, which moves behind it; U+FFFD for a lone surrogate.
-char32_t NextCodePoint(StringView text, std::size_t& index) {
-  const char16_t unit = text[index++];
-  if ((unit & 0xF800) != 0xD800) return unit;
-  if (IsHighSurrogate(unit) && index < text.size() && IsLowSurrogate(text[index])) {
-    return 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (char32_t{text[index++]} - 0xDC00);
-  }
-  return kReplacement;
-}
-
-char* WriteUtf8(char* out, char32_t code_point) {
-  if (code_point < 0x800) {
-    *out++ = static_cast<char>(0xC0 | (code_point >> 6));
-  } else {
-    if (code_point < 0x10000) {
-      *out++ = static_cast<char>(0xE0 | (code_point >> 12));
-    } else {
-      *out++ = static_cast<char>(0xF0 | (code_point >> 18));
-      *out++ = static_cast<char>(0x80 | ((code_point >> 12) & 0x3F));
-    }
-    *out++ = static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
-  }
-  *out++ = static_cast<char>(0x80 | (code_point & 0x3F));
-  return out;
-}
 
 struct Lead {
   int trail_count;          // 0: no valid lead byte
@@ -96,68 +72,6 @@ std::size_t AsciiRun(std::string_view bytes, std::size_t index) {
   return index - start;
 }
 
-// How many units at the start of `text` are no surrogates.
-std::size_t RunWithoutSurrogates(StringView text) {
-  constexpr std::size_t kUnits = 32;
-  std::size_t index = 0;
-  while (index + kUnits <= text.size()) {
-    unsigned any = 0;
-    for (std::size_t i = 0; i < kUnits; ++i) any |= (text[index + i] & 0xF800) == 0xD800;
-    if (any != 0) break;
-    index += kUnits;
-  }
-  while (index < text.size() && (text[index] & 0xF800) != 0xD800) ++index;
-  return index;
-}
-
-// What is enough for WriteShort and WriteOne over all of `text`: a surrogate counts as three bytes,
-// and WriteShort writes one beyond what it means.
-std::size_t Utf8Room(StringView text) {
-  std::size_t beyond_ascii = 0;
-  std::size_t three_bytes = 0;
-  for (const char16_t unit : text) {
-    beyond_ascii += unit >= 0x80;
-    three_bytes += unit >= 0x800;
-  }
-  return text.size() + beyond_ascii + three_bytes + 1;
-}
-
-// ASCII in blocks, which is what files of a program's own mostly hold.
-constexpr std::size_t kBlock = 16;
-using BlockHalf = unsigned char __attribute__((vector_size(kBlock / 2)));
-using WideHalf = std::uint16_t __attribute__((vector_size(kBlock)));
-
-bool IsAsciiBlock(const char* from) {
-  std::array<std::uint64_t, 2> words;
-  std::memcpy(words.data(), from, sizeof words);
-  return ((words[0] | words[1]) & 0x8080808080808080U) == 0;
-}
-
-bool IsAsciiBlock(const char16_t* from) {
-  std::array<std::uint64_t, 4> words;
-  std::memcpy(words.data(), from, sizeof words);
-  return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80U) == 0;
-}
-
-// Copies kBlock ASCII units from one width to the other.
-template <typename FromHalf, typename ToHalf, typename From, typename To>
-void CopyBlock(const From* from, To* to) {
-  for (std::size_t at = 0; at < kBlock; at += kBlock / 2) {
-    FromHalf half;
-    std::memcpy(&half, from + at, sizeof half);
-    const auto converted = __builtin_convertvector(half, ToHalf);
-    std::memcpy(to + at, &converted, sizeof converted);
-  }
-}
-
-char* WriteAsciiBlocks(StringView text, std::size_t& index, char* out) {
-  for (; index + kBlock <= text.size() && IsAsciiBlock(&text[index]); index += kBlock) {
-    CopyBlock<WideHalf, BlockHalf>(&text[index], out);
-    out += kBlock;
-  }
-  return out;
-}
-
 char16_t* ReadAsciiBlocks(std::string_view bytes, std::size_t& index, char16_t* out) {
   for (; index + kBlock <= bytes.size() && IsAsciiBlock(&bytes[index]); index += kBlock) {
     CopyBlock<BlockHalf, WideHalf>(&bytes[index], out);
@@ -165,36 +79,6 @@ char16_t* ReadAsciiBlocks(std::string_view bytes, std::size_t& index, char16_t* 
   }
   return out;
 }
-
-// Where a block is not ASCII, so many units or bytes go the general way before blocks are tried
-// again: texts of several scripts would fail nearly every trial.
-constexpr std::size_t kMixedRun = 1024;
-
-// Writes up to kMixedRun units from `index` on that take one or two bytes, most of European texts,
-// and returns the end of what was written. Two bytes are always written, of which the next unit
-// overwrites what was not meant: branches would be mispredicted wherever a text changes its script.
-char* WriteShort(StringView text, std::size_t& index, char* out) {
-  std::size_t at = index;
-  const std::size_t till = std::min(text.size(), at + kMixedRun);
-  for (; at < till && text[at] < 0x800; ++at) {
-    const unsigned unit = text[at];
-    const unsigned is_pair = (unit + 0x780) >> 11;  // 1 from 0x80 on
-    const unsigned lead = 0xC0 | unit >> 6;
-    out[0] = static_cast<char>(unit ^ ((unit ^ lead) & (0U - is_pair)));
-    out[1] = static_cast<char>(0x80 | (unit & 0x3F));
-    out += 1 + is_pair;
-  }
-  index = at;
-  return out;
-}
-
-char* WriteOne(StringView text, std::size_t& index, char* out) {
-  if (text[index] >= 0x80) return WriteUtf8(out, NextCodePoint(text, index));
-  *out++ = static_cast<char>(text[index++]);
-  return out;
-}
-
-static_assert(std::endian::native == std::endian::little);
 
 bool IsTrail(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -208,8 +92,8 @@ std::size_t ClearBytes(std::uint64_t bytes) {
 }
 
 // The following steps read what the bytes at `from` begin with, as units, and return how many that
-// are. They write whole registers and move on by as much as was valid, for the same reason as
-// above.
+// are. They write whole registers and move on by as much as was valid: branches would be
+// mispredicted wherever a text changes its script.
 std::size_t ReadAscii(const char* from, char16_t* out) {
   BlockHalf bytes;
   std::memcpy(&bytes, from, sizeof bytes);
@@ -283,25 +167,6 @@ char16_t* ReadOne(std::string_view bytes, std::size_t& index, char16_t* out) {
 
 }  // namespace
 
-void AppendUtf8(AnsiString& out, StringView text) {
-  const std::size_t old_size = out.size();
-  out.resize(old_size + Utf8Room(text));
-  char* end = out.data() + old_size;
-  for (std::size_t index = 0; index < text.size();) {
-    end = WriteAsciiBlocks(text, index, end);
-    const std::size_t start = index;
-    end = WriteShort(text, index, end);
-    if (index < text.size() && index - start < kMixedRun) end = WriteOne(text, index, end);
-  }
-  out.resize(static_cast<std::size_t>(end - out.data()));
-}
-
-AnsiString ToUtf8(StringView text) {
-  AnsiString out;
-  AppendUtf8(out, text);
-  return out;
-}
-
 void AppendFromUtf8(String& out, std::string_view bytes) {
   std::size_t used = out.size();
   out.resize(used + Utf16Room(bytes));
@@ -338,14 +203,6 @@ bool IsValidUtf8(std::string_view bytes) {
     if (!valid) return false;
   }
   return true;
-}
-
-bool HasLoneSurrogate(StringView text) {
-  for (std::size_t index = 0; index < text.size();) {
-    index += RunWithoutSurrogates(text.substr(index));
-    if (index < text.size() && NextCodePoint(text, index) == kReplacement) return true;
-  }
-  return false;
 }
 
 }  // namespace zentavo
