@@ -94,8 +94,9 @@ class HeldClock {
   static inline std::atomic<std::uint32_t> now;
 };
 
+// An item that comes due is running before it is no longer pending.
 void WaitUntilIdle(const TXThreadPool& pool) {
-  while (pool.CurThreads() != 0 || pool.PendingCount() != 0) std::this_thread::yield();
+  while (pool.PendingCount() != 0 || pool.CurThreads() != 0) std::this_thread::yield();
 }
 
 // Far enough that the system's timers do not come in between; the tests call CheckDelay.
@@ -163,6 +164,15 @@ TEST(TXThreadPool, ItemIsDestroyedAfterItsWorkerTookTheNextUnlessItIsKept) {
   pool.Run(*kept);
   work.RunAll();
   EXPECT_EQ(destroyed, 0);
+}
+
+TEST(TXThreadPool, DelayedItemComesByTheTimerNotBeforeItsTime) {
+  TXThreadPool pool(1);
+  std::uint32_t ran_at = 0;
+  const std::uint32_t start = platform::TickCount();
+  pool.RunDelay(Does([&] { ran_at = platform::TickCount(); }), 40);
+  WaitUntilIdle(pool);
+  EXPECT_GE(ran_at - start, 40U - 9U);
 }
 
 TEST(TXThreadPool, DelayedItemWhoseStartIsRefusedIsDestroyedAndTheOthersRun) {

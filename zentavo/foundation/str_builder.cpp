@@ -11,6 +11,7 @@
 #include "zentavo/foundation/errors.h"
 #include "zentavo/foundation/helper_files.h"
 #include "zentavo/framework/code_page.h"
+#include "zentavo/framework/digits.h"
 
 namespace zentavo {
 
@@ -19,31 +20,13 @@ namespace {
 constexpr std::int64_t kMaxCapacity = std::numeric_limits<std::int32_t>::max();
 constexpr StringView kLineBreak = u"\r\n";
 
-// "00" to "99", one behind the other.
-constexpr auto kDigitPairs = [] {
-  std::array<char16_t, 200> units{};
-  for (std::size_t i = 0; i < 100; ++i) {
-    units[2 * i] = static_cast<char16_t>(u'0' + i / 10);
-    units[2 * i + 1] = static_cast<char16_t>(u'0' + i % 10);
-  }
-  return units;
-}();
+// A sign, the digits and what writing them may touch behind them.
+constexpr std::size_t kUnitsOfInteger = 22;
 
-template <typename Unsigned>
-void WriteDigitsBefore(char16_t* end, Unsigned value) {
-  for (; value >= 10; value /= 100) {
-    end -= 2;
-    const auto pair = static_cast<std::size_t>(value % 100);
-    std::memcpy(end, &kDigitPairs[2 * pair], 2 * sizeof(char16_t));
-    if (value < 100) return;
-  }
-  *--end = static_cast<char16_t>(u'0' + value);
-}
-
-std::int32_t DigitCount(std::uint64_t value) {
-  std::int32_t count = 1;
-  for (; value >= 10000; value /= 10000) count += 4;
-  return count + (value >= 10) + (value >= 100) + (value >= 1000);
+char16_t* WriteInteger(char16_t* out, std::int64_t value) {
+  *out = u'-';
+  const auto bits = static_cast<std::uint64_t>(value);
+  return digits::WriteWhole(out + (value < 0), value < 0 ? 0 - bits : bits);
 }
 
 }  // namespace
@@ -102,20 +85,14 @@ TStrBuilder& TStrBuilder::AddPart(StringView S, std::int32_t Start, std::int32_t
 }
 
 TStrBuilder& TStrBuilder::AddInteger(std::int64_t Value) {
-  const auto bits = static_cast<std::uint64_t>(Value);
-  const std::uint64_t digits = Value < 0 ? 0 - bits : bits;
-  const std::int32_t count = DigitCount(digits) + (Value < 0 ? 1 : 0);
-  if (count > FCapacity - FLength) CheckLength(count);
-  if (Value < 0) FDataString[static_cast<std::size_t>(FLength)] = u'-';
-  FLength += count;
-  char16_t* const end = FDataString.get() + FLength;
-  // Most numbers are small, and dividing those is far cheaper.
-  if (const auto low = static_cast<std::uint32_t>(digits); low == digits) {
-    WriteDigitsBefore(end, low);
-  } else {
-    WriteDigitsBefore(end, digits);
+  if (Room() >= kUnitsOfInteger) {
+    FLength = static_cast<std::int32_t>(WriteInteger(FDataString.get() + FLength, Value) -
+                                        FDataString.get());
+    return *this;
   }
-  return *this;
+  std::array<char16_t, kUnitsOfInteger> units;
+  const char16_t* const end = WriteInteger(units.data(), Value);
+  return Add(StringView(units.data(), static_cast<std::size_t>(end - units.data())));
 }
 
 TStrBuilder& TStrBuilder::AddLine(StringView S) {

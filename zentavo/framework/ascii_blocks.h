@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace zentavo::ascii_blocks {
 
@@ -33,6 +34,23 @@ void CopyBlock(const From* from, To* to) {
     const auto converted = __builtin_convertvector(half, ToHalf);
     std::memcpy(to + at, &converted, sizeof converted);
   }
+}
+inline void CopyBlock(const char* from, char16_t* to) {
+  CopyBlock<BlockHalf, WideHalf>(from, to);
+}
+inline void CopyBlock(const char16_t* from, char* to) {
+  CopyBlock<WideHalf, BlockHalf>(from, to);
+}
+
+// Copies blocks from `index` on, which moves behind them, as long as they are ASCII. Returns the
+// end of what was written.
+template <typename From, typename To>
+To* CopyBlocks(std::basic_string_view<From> text, std::size_t& index, To* out) {
+  for (; index + kBlock <= text.size() && IsAsciiBlock(&text[index]); index += kBlock) {
+    CopyBlock(&text[index], out);
+    out += kBlock;
+  }
+  return out;
 }
 
 // Where a block is not ASCII, so many units or bytes go the general way before blocks are tried

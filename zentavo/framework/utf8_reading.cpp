@@ -11,9 +11,6 @@ namespace zentavo {
 namespace {
 
 using ascii_blocks::BlockHalf;
-using ascii_blocks::CopyBlock;
-using ascii_blocks::IsAsciiBlock;
-using ascii_blocks::kBlock;
 using ascii_blocks::kMixedRun;
 using ascii_blocks::WideHalf;
 
@@ -70,14 +67,6 @@ std::size_t AsciiRun(std::string_view bytes, std::size_t index) {
   }
   while (index < bytes.size() && static_cast<unsigned char>(bytes[index]) < 0x80) ++index;
   return index - start;
-}
-
-char16_t* ReadAsciiBlocks(std::string_view bytes, std::size_t& index, char16_t* out) {
-  for (; index + kBlock <= bytes.size() && IsAsciiBlock(&bytes[index]); index += kBlock) {
-    CopyBlock<BlockHalf, WideHalf>(&bytes[index], out);
-    out += kBlock;
-  }
-  return out;
 }
 
 bool IsTrail(char byte) {
@@ -173,7 +162,7 @@ void AppendFromUtf8(String& out, std::string_view bytes) {
   bool room_for_all = false;
   char16_t* end = out.data() + used;
   for (std::size_t index = 0; index < bytes.size();) {
-    end = ReadAsciiBlocks(bytes, index, end);
+    end = ascii_blocks::CopyBlocks(bytes, index, end);
     const std::size_t start = index;
     end = ReadShort(bytes, index, end);
     if (index - start >= kMixedRun) continue;

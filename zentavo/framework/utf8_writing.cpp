@@ -8,12 +8,7 @@ namespace zentavo {
 
 namespace {
 
-using ascii_blocks::BlockHalf;
-using ascii_blocks::CopyBlock;
-using ascii_blocks::IsAsciiBlock;
-using ascii_blocks::kBlock;
 using ascii_blocks::kMixedRun;
-using ascii_blocks::WideHalf;
 
 constexpr char32_t kReplacement = 0xFFFD;
 
@@ -76,14 +71,6 @@ std::size_t Utf8Room(StringView text) {
   return text.size() + beyond_ascii + three_bytes + 1;
 }
 
-char* WriteAsciiBlocks(StringView text, std::size_t& index, char* out) {
-  for (; index + kBlock <= text.size() && IsAsciiBlock(&text[index]); index += kBlock) {
-    CopyBlock<WideHalf, BlockHalf>(&text[index], out);
-    out += kBlock;
-  }
-  return out;
-}
-
 // Writes up to kMixedRun units from `index` on that take one or two bytes, most of European texts,
 // and returns the end of what was written. Two bytes are always written, of which the next unit
 // overwrites what was not meant: branches would be mispredicted wherever a text changes its script.
@@ -115,7 +102,7 @@ void AppendUtf8(AnsiString& out, StringView text) {
   out.resize(old_size + Utf8Room(text));
   char* end = out.data() + old_size;
   for (std::size_t index = 0; index < text.size();) {
-    end = WriteAsciiBlocks(text, index, end);
+    end = ascii_blocks::CopyBlocks(text, index, end);
     const std::size_t start = index;
     end = WriteShort(text, index, end);
     if (index < text.size() && index - start < kMixedRun) end = WriteOne(text, index, end);

@@ -148,7 +148,7 @@ String fixHtmlCode(StringView Html) {
   std::size_t done = 0;  // what stands before is in `fixed`
   std::size_t at = 0;
   for (;;) {
-    at += RunLength(Html.substr(at), {u'x', u'X', u'x'});
+    at += RunLength(Html.substr(at), {u'x', u'X', u'X'});  // the anchors of both patterns
     if (at == Html.size()) break;
     const auto* found =
         std::find_if(std::begin(kPatterns), std::end(kPatterns),

@@ -27,24 +27,7 @@ std::optional<std::uint64_t> Millionths(double value) {
   return static_cast<std::uint64_t>(nearest);
 }
 
-constexpr std::array<char16_t, 4002> MakeThrees() {
-  std::array<char16_t, 4002> threes{};
-  for (std::size_t number = 0; number < 1000; ++number) {
-    threes[number * 4] = static_cast<char16_t>(u'0' + number / 100);
-    threes[number * 4 + 1] = static_cast<char16_t>(u'0' + number / 10 % 10);
-    threes[number * 4 + 2] = static_cast<char16_t>(u'0' + number % 10);
-  }
-  return threes;
-}
-
 }  // namespace
-
-constexpr std::array<char16_t, 4002> kThrees = MakeThrees();
-
-char16_t* WriteManyDigits(char16_t* out, std::uint64_t value) {
-  out = WriteWhole(out, value / 1000000);
-  return WriteSix(out, static_cast<std::uint32_t>(value % 1000000));
-}
 
 char16_t* WriteDouble(char16_t* out, double value) {
   const std::optional<std::uint64_t> millionths = Millionths(std::abs(value));
