@@ -233,5 +233,13 @@ TEST(HttpRequest, GoesThroughTheProxyOfTheEnvironment) {
   EXPECT_EQ(THTTPRequest::DoExecute(direct.Url(), u""), u"direct");
 }
 
+TEST(HttpRequest, SecureRequestsAskTheirProxyForATunnel) {
+  if (kOnWindows) GTEST_SKIP() << "the proxy is the system's setting there";
+  HttpServer proxy(Always(Response("", "", "502 Bad Gateway")));
+  const EnvironmentVariable setting("https_proxy", ToUtf8(proxy.Url()));
+  EXPECT_NE(ErrorOf([] { THTTPRequest::DoExecute(u"https://somewhere.invalid/x", u""); }), "");
+  EXPECT_EQ(proxy.Requests().front().line, "CONNECT somewhere.invalid:443 HTTP/1.1");
+}
+
 }  // namespace
 }  // namespace zentavo

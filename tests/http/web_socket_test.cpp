@@ -509,6 +509,20 @@ TEST(WebSocket, GoesThroughTheProxyOfTheEnvironment) {
   EXPECT_EQ(BytesOf(answer), "through");
 }
 
+TEST(WebSocket, SecureChannelsAskTheirProxyForATunnel) {
+  if (kOnWindows) GTEST_SKIP() << "The proxy is the system's there.";
+  std::string asked;
+  WebSocketServer proxy([&](WebSocketPeer& peer) {
+    asked = peer.ReadRequest().line;
+    peer.Send("HTTP/1.1 502 Bad Gateway\r\n\r\n");
+  });
+  const EnvironmentVariable setting("https_proxy",
+                                    "http://127.0.0.1:" + std::to_string(proxy.Port()));
+  TWebSocketConnection channel;
+  EXPECT_FALSE(channel.Open(u"wss://far.invalid/"));
+  EXPECT_EQ(asked, "CONNECT far.invalid:443 HTTP/1.1");
+}
+
 TEST(WebSocket, CookiesOfRequestsAreSentAlong) {
   std::vector<std::string> cookies;
   WebSocketServer server([&](WebSocketPeer& peer) {
