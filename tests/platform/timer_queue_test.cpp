@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "support/latch.h"
+#include "zentavo/platform/clock.h"
 
 namespace zentavo::platform {
 namespace {
@@ -55,6 +56,20 @@ TEST(TimerQueue, CallbackMayStopItselfWithoutWaiting) {
     });
     started.Arrive();
     stopped.ArriveAndWait();
+  }
+}
+
+TEST(TimerQueue, TimerOnATickComesWhenThatTickIsThere) {
+  for (const std::uint32_t due : {1U, 2U, 7U}) {
+    Latch called(1);
+    const std::uint32_t start = TickCount();
+    std::uint32_t came = 0;
+    const TimerPtr timer = TimerQueue::Default().StartOnTick(due, [&] {
+      came = TickCount();
+      called.Arrive();
+    });
+    called.Wait();
+    EXPECT_GE(came - start, due);
   }
 }
 

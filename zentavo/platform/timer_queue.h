@@ -44,6 +44,9 @@ class ZENTAVO_API TimerQueue {
   // Calls `callback` after `due_ms`, then every `period_ms`; a period of 0: once. Returns null when
   // the system refuses or the queue is not usable.
   TimerPtr Start(std::uint32_t due_ms, std::uint32_t period_ms, Callback callback);
+  // The same once, and earlier by what has passed of the clock's current millisecond, where the
+  // system's timers are that fine: as soon as a TickCount read before is exceeded by `due_ms`.
+  TimerPtr StartOnTick(std::uint32_t due_ms, Callback callback);
 
   // Stops `timer`; does nothing with null, a stopped one, or one of a queue that is not usable.
   // With kWait, returns only after a running callback has ended, and none runs afterwards; not to

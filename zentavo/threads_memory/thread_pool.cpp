@@ -16,8 +16,8 @@ namespace {
 using platform::TimerQueue;
 using platform::TimerStop;
 
-constexpr std::int32_t kDueWithin = 9;  // milliseconds
-constexpr std::uint32_t kKept = 1;      // the start time of an item that stays its owner's
+constexpr std::uint32_t kDueWithin = 9;  // milliseconds
+constexpr std::uint32_t kKept = 1;       // the start time of an item that stays its owner's
 
 // Under the lock that guards `count`, which others only read: no step that locks the memory.
 void AddTo(std::atomic<std::int32_t>& count, std::int32_t step) {
@@ -100,38 +100,33 @@ void TXThreadPool::RunDelay(std::unique_ptr<TXWorkItem> Item, std::int32_t delay
   const std::uint32_t due = platform::TickCount() + static_cast<std::uint32_t>(delay);
   Item->FStartTime = due;
   const std::lock_guard guard(delayed_lock_);
-  const auto place = FDelayed.emplace(due, Item.get());
-  if (place == FDelayed.begin() && !ReplaceTimer(delay)) {
+  if (FDelayed.Add(due, Item.get()) && !ReplaceTimer(delay)) {
     const platform::SystemError error = platform::LastSystemError();
-    FDelayed.erase(place);
+    FDelayed.RemoveFront();
     throw Exception(Format(u"Delayed item not started: System Error %d", {error}));
   }
   ++delayed_count_;
   static_cast<void>(Item.release());  // the list's now
 }
 
+// Sets the timer first, since starting many items takes a while.
 void TXThreadPool::CheckDelay() {
   const std::lock_guard guard(delayed_lock_);
   const std::uint32_t now = platform::TickCount();
-  RunDue(now);
-  if (!FDelayed.empty()) ReplaceTimer(static_cast<std::int32_t>(FDelayed.begin()->first - now));
+  due_.clear();
+  FDelayed.TakeUpTo(now + kDueWithin, due_);
+  if (!FDelayed.Empty()) ReplaceTimer(static_cast<std::int32_t>(FDelayed.FirstDue() - now));
+  RunDue();
 }
 
 // Takes all places at once: the item that is due first is the last of them, and would wait for each
 // of the others. An item whose start is refused is destroyed and does not keep the others back.
-void TXThreadPool::RunDue(std::uint32_t now) {
-  const auto is_due = [now](const auto& delayed) {
-    return static_cast<std::int32_t>(now - delayed.first) >= -kDueWithin;
-  };
-  const auto end = std::find_if_not(FDelayed.begin(), FDelayed.end(), is_due);
-  due_.clear();
-  for (auto place = end; place != FDelayed.begin();) due_.push_back((--place)->second);
+void TXThreadPool::RunDue() {
   for (TXWorkItem* const item : due_) {
     item->FStartTime = 0;
     item->FPool = this;
   }
   const std::size_t starting = TakePlaces(due_);
-  FDelayed.erase(FDelayed.begin(), end);
   delayed_count_ -= static_cast<std::int32_t>(due_.size());
   for (std::size_t i = 0; i < starting; ++i) {
     try {
@@ -156,8 +151,8 @@ bool TXThreadPool::ReplaceTimer(std::int32_t ms) {
   TimerQueue::Stop(FTimer, TimerStop::kDontWait);
   FTimer.reset();
   if (ms <= 0) return true;
-  FTimer = TimerQueue::Default().Start(static_cast<std::uint32_t>(ms) + 1, 0,
-                                       [link = link_] { link->CheckDelay(); });
+  FTimer = TimerQueue::Default().StartOnTick(static_cast<std::uint32_t>(ms) + 1,
+                                             [link = link_] { link->CheckDelay(); });
   return FTimer != nullptr;
 }
 

@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -20,6 +19,7 @@
 #include "zentavo/platform/export.h"
 #include "zentavo/platform/ring_queue.h"
 #include "zentavo/platform/timer_queue.h"
+#include "zentavo/threads_memory/delayed_items.h"
 #include "zentavo/threads_memory/work_item.h"
 
 namespace zentavo {
@@ -69,12 +69,6 @@ class ZENTAVO_API TXThreadPool {
   void ResetTimer(std::int32_t ms);
 
  private:
-  // Orders tick counts that lie less than half their range apart, across the wrap to 0.
-  struct EarlierTick {
-    bool operator()(std::uint32_t a, std::uint32_t b) const {
-      return static_cast<std::int32_t>(a - b) < 0;
-    }
-  };
   struct Link;
 
   // What waits and how many run. Shared with a thread that is leaving it for the last time, since
@@ -89,17 +83,18 @@ class ZENTAVO_API TXThreadPool {
   void Start(TXWorkItem& item);
   // Returns how many of the items, from the first on, are to be started now; the rest is queued.
   std::size_t TakePlaces(std::span<TXWorkItem* const> items);
-  // Both under delayed_lock_; the first returns false when the system refuses the timer.
+  // Both under delayed_lock_; the first returns false when the system refuses the timer, the second
+  // starts the items of due_.
   bool ReplaceTimer(std::int32_t ms);
-  void RunDue(std::uint32_t now);
+  void RunDue();
 
   const std::int32_t FMax;
   // Locks in the order in which they are taken: link_->lock, delayed_lock_, queue_->lock. No item
   // and no submission to the process-wide pool runs under the queue's lock.
   const std::shared_ptr<Queue> queue_;
   std::mutex delayed_lock_;  // guards what follows, up to FTimer
-  std::multimap<std::uint32_t, TXWorkItem*, EarlierTick> FDelayed;  // by due time
-  std::vector<TXWorkItem*> due_;                                    // kept for its memory
+  DelayedItems FDelayed;
+  std::vector<TXWorkItem*> due_;  // kept for its memory
   platform::TimerPtr FTimer;
   const std::shared_ptr<Link> link_;
   std::atomic<std::int32_t> delayed_count_{0};

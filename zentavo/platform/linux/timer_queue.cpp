@@ -1,5 +1,7 @@
 #include "zentavo/platform/timer_queue.h"
 
+#include <sys/prctl.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -15,6 +17,7 @@ namespace zentavo::platform {
 
 namespace {
 
+using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 using Lock = std::unique_lock<std::mutex>;
 using Armed = std::multimap<Clock::time_point, TimerPtr>;
@@ -39,6 +42,9 @@ struct TimerQueue::State {
   // In a child made by fork: the thread is gone, and the lock may be held by it for ever.
   bool LeftByFork() const { return generation != ForkGeneration(); }
 
+  // A timer of `self`'s, which is armed; null when there is no thread for it.
+  static TimerPtr Arm(const std::shared_ptr<State>& self, Clock::time_point due,
+                      Clock::duration period, Callback callback);
   static void RunThread(void* state);
   void FireAsDue();
   void Expire();
@@ -69,7 +75,22 @@ constinit thread_local const Timer* calling = nullptr;
 
 }  // namespace
 
+TimerPtr TimerQueue::State::Arm(const std::shared_ptr<State>& self, Clock::time_point due,
+                                Clock::duration period, Callback callback) {
+  auto timer = std::make_shared<Timer>();
+  timer->queue = self;
+  timer->callback = std::move(callback);
+  timer->period = period;
+  const Lock lock(self->mutex);
+  if (!self->EnsureThread(self)) return nullptr;
+  timer->place = self->armed.emplace(due, timer);
+  if (timer->place == self->armed.begin()) self->changed.notify_one();
+  return timer;
+}
+
+// The system may let a thread sleep 50 us longer than it asked for, unless it asks for less.
 void TimerQueue::State::RunThread(void* state) {
+  prctl(PR_SET_TIMERSLACK, 1UL);  // ns
   const std::unique_ptr<std::shared_ptr<State>> held(static_cast<std::shared_ptr<State>*>(state));
   (*held)->FireAsDue();
 }
@@ -167,16 +188,15 @@ bool TimerQueue::Usable() const {
 
 TimerPtr TimerQueue::Start(std::uint32_t due_ms, std::uint32_t period_ms, Callback callback) {
   if (!Usable()) return nullptr;
-  const Clock::time_point due = Clock::now() + std::chrono::milliseconds(due_ms);
-  auto timer = std::make_shared<Timer>();
-  timer->queue = state_;
-  timer->callback = std::move(callback);
-  timer->period = std::chrono::milliseconds(period_ms);
-  const Lock lock(state_->mutex);
-  if (!state_->EnsureThread(state_)) return nullptr;
-  timer->place = state_->armed.emplace(due, timer);
-  if (timer->place == state_->armed.begin()) state_->changed.notify_one();
-  return timer;
+  return State::Arm(state_, Clock::now() + milliseconds(due_ms), milliseconds(period_ms),
+                    std::move(callback));
+}
+
+// The clock is the one whose milliseconds TickCount counts.
+TimerPtr TimerQueue::StartOnTick(std::uint32_t due_ms, Callback callback) {
+  if (!Usable()) return nullptr;
+  const auto tick = std::chrono::floor<milliseconds>(Clock::now());
+  return State::Arm(state_, tick + milliseconds(due_ms), milliseconds(0), std::move(callback));
 }
 
 void TimerQueue::Stop(const TimerPtr& timer, TimerStop stop) {

@@ -109,6 +109,10 @@ TimerPtr TimerQueue::Start(std::uint32_t due_ms, std::uint32_t period_ms, Callba
   return nullptr;
 }
 
+TimerPtr TimerQueue::StartOnTick(std::uint32_t due_ms, Callback callback) {
+  return Start(due_ms, 0, std::move(callback));
+}
+
 void TimerQueue::Stop(const TimerPtr& timer, TimerStop stop) {
   if (!timer || !timer->queue->usable) return;
   State& state = *timer->queue;
