@@ -10,12 +10,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <tuple>
 #include <unordered_map>
 
+#include "ratios.h"
 #include "zentavo/framework/number_text.h"
 #include "zentavo/json/array.h"
 #include "zentavo/json/object.h"
@@ -152,50 +152,35 @@ void ReadNlohmann(const Document& document) {
   benchmark::DoNotOptimize(tree);
 }
 
-// Processor seconds of one call, so that other work on the machine counts less.
-double SecondsOf(const std::function<void()>& work) {
-  const std::clock_t start = std::clock();
-  work();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+template <void kRead(const Document&)>
+void Read(benchmark::State& state, const Document& document) {
+  for (auto _ : state) kRead(document);
 }
 
-// The best of several rounds, in which the works take turns.
-std::vector<double> BestOf(const std::vector<std::function<void()>>& works) {
-  std::vector<double> best(works.size(), 1e9);
-  for (int round = 0; round < 25; ++round) {
-    for (std::size_t index = 0; index < works.size(); ++index) {
-      best[index] = std::min(best[index], SecondsOf(works[index]));
-    }
+void Write(benchmark::State& state, const Document& document) {
+  const auto tree = ReadJSON(StringView(document.utf16));
+  for (auto _ : state) benchmark::DoNotOptimize(valueToString(tree.get()));
+}
+void WriteRapid(benchmark::State& state, const Document& document) {
+  RapidDocument tree;
+  rapidjson::GenericStringStream<Utf16> stream(document.utf16.c_str());
+  tree.ParseStream<0, Utf16>(stream);
+  for (auto _ : state) {
+    RapidBuffer buffer;
+    rapidjson::Writer<RapidBuffer, Utf16, Utf16> writer(buffer);
+    tree.Accept(writer);
+    benchmark::DoNotOptimize(String(buffer.GetString(), buffer.GetSize() / sizeof(char16_t)));
   }
-  return best;
 }
-
-void CompareReading(const Document& d) {
-  const auto best = BestOf({[&] { Read16(d); }, [&] { ReadRapid16(d); }, [&] { Read8(d); },
-                            [&] { ReadRapid8(d); }, [&] { ReadNlohmann(d); }});
-  std::printf(
-      "%-9s read  UTF-16 x%.2f RapidJSON  UTF-8 x%.2f RapidJSON  UTF-16 x%.1f nlohmann  "
-      "UTF-8 x%.1f nlohmann\n",
-      d.name.c_str(), best[1] / best[0], best[3] / best[2], best[4] / best[0], best[4] / best[2]);
+// UTF-8, which has the characters as they are where the others write escapes.
+void WriteNlohmann(benchmark::State& state, const Document& document) {
+  const auto tree = nlohmann::json::parse(document.utf8);
+  for (auto _ : state) benchmark::DoNotOptimize(tree.dump());
 }
-
-void CompareWriting(const Document& d) {
-  const auto tree = ReadJSON(StringView(d.utf16));
-  const auto peer = nlohmann::json::parse(d.utf8);
-  RapidDocument rapid;
-  rapidjson::GenericStringStream<Utf16> stream(d.utf16.c_str());
-  rapid.ParseStream<0, Utf16>(stream);
-  const auto best = BestOf({[&] { benchmark::DoNotOptimize(valueToString(tree.get())); },
-                            [&] {
-                              RapidBuffer buffer;
-                              rapidjson::Writer<RapidBuffer, Utf16, Utf16> writer(buffer);
-                              rapid.Accept(writer);
-                              benchmark::DoNotOptimize(
-                                  String(buffer.GetString(), buffer.GetSize() / sizeof(char16_t)));
-                            },
-                            [&] { benchmark::DoNotOptimize(peer.dump()); }});
-  std::printf("%-9s write x%.2f RapidJSON  x%.1f nlohmann\n", d.name.c_str(), best[1] / best[0],
-              best[2] / best[0]);
+// UTF-8 with escapes for all that is not ASCII.
+void WriteNlohmannEscaped(benchmark::State& state, const Document& document) {
+  const auto tree = nlohmann::json::parse(document.utf8);
+  for (auto _ : state) benchmark::DoNotOptimize(tree.dump(-1, ' ', true));
 }
 
 std::size_t BytesInUse() {
@@ -246,44 +231,45 @@ std::int64_t LookUpMap() {
   return sum;
 }
 
-void CompareLookups() {
+void LookUp(benchmark::State& state) {
   if (LookUpObject() != LookUpMap()) std::abort();
-  const auto best = BestOf({[] { benchmark::DoNotOptimize(LookUpObject()); },
-                            [] { benchmark::DoNotOptimize(LookUpMap()); }});
-  std::printf("lookups of 100,000 keys: x%.2f std::unordered_map\n", best[1] / best[0]);
+  for (auto _ : state) benchmark::DoNotOptimize(LookUpObject());
+}
+void LookUpInMap(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(LookUpMap());
 }
 
 void RegisterAll() {
+  using Function = void (*)(benchmark::State&, const Document&);
+  const std::tuple<const char*, const char*, Function> works[] = {
+      {"read UTF-16", "zentavo", Read<Read16>},
+      {"read UTF-16", "RapidJSON", Read<ReadRapid16>},
+      {"read UTF-16", "nlohmann", Read<ReadNlohmann>},
+      {"read UTF-8", "zentavo", Read<Read8>},
+      {"read UTF-8", "RapidJSON", Read<ReadRapid8>},
+      {"read UTF-8", "nlohmann", Read<ReadNlohmann>},
+      {"write", "zentavo", Write},
+      {"write", "RapidJSON", WriteRapid},
+      {"write", "nlohmann", WriteNlohmann},
+      {"write", "nlohmann, escaped", WriteNlohmannEscaped}};
   for (const Document& document : Documents()) {
-    const std::pair<const char*, void (*)(const Document&)> readers[] = {
-        {"zentavo16", Read16},
-        {"rapidjson16", ReadRapid16},
-        {"zentavo8", Read8},
-        {"rapidjson8", ReadRapid8},
-        {"nlohmann8", ReadNlohmann}};
-    for (const auto& [name, read] : readers) {
+    for (const auto& [work, who, function] : works) {
       benchmark::RegisterBenchmark(
-          ("read/" + document.name + "/" + name).c_str(),
-          [read = read, &document](benchmark::State& state) {
-            for (auto _ : state) read(document);
-            state.SetBytesProcessed(state.iterations() *
-                                    static_cast<std::int64_t>(document.utf8.size()));
-          });
+          (document.name + " " + work + "/" + who).c_str(),
+          [function = function, &document](benchmark::State& state) { function(state, document); })
+          ->Unit(benchmark::kMicrosecond);
     }
   }
+  benchmark::RegisterBenchmark("look-ups of 100,000 keys/zentavo", LookUp)
+      ->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark("look-ups of 100,000 keys/unordered_map", LookUpInMap)
+      ->Unit(benchmark::kMicrosecond);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
+  for (const Document& document : Documents()) CompareMemory(document);
   RegisterAll();
-  benchmark::RunSpecifiedBenchmarks();
-  for (const Document& document : Documents()) {
-    CompareMemory(document);
-    CompareReading(document);
-    CompareWriting(document);
-  }
-  CompareLookups();
-  return 0;
+  return bench::RunWithRatios(argc, argv);
 }

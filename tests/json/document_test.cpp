@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
@@ -76,6 +77,58 @@ TEST(ReadTree, IsWrittenComparedAndHashedAlikeWhetherLentOrNot) {
   for (const TJSONObject& copy : {TJSONObject(lent), TJSONObject(untouched)}) {
     EXPECT_EQ(copy.toString(), kOrderText);
     EXPECT_EQ(copy, lent);
+  }
+}
+
+// Objects share the texts of keys with those read before them.
+TEST(ReadTree, ObjectsReadTheSameBehindOthers) {
+  constexpr StringView kKeys[] = {uR"("")",
+                                  uR"("a")",
+                                  uR"('a')",
+                                  uR"(a)",
+                                  uR"("A")",
+                                  uR"("ab")",
+                                  uR"("a b")",
+                                  uR"("a'b")",
+                                  uR"('a"b')",
+                                  uR"("a\u0062")",
+                                  uR"("abcd")",
+                                  uR"("abcd5678")",
+                                  uR"("abcd567x")",
+                                  uR"("abcd56789")",
+                                  uR"("abcd56789abcdef")",
+                                  uR"("abcd56789abcdef0")",
+                                  uR"("abcd56789abcdex0")",
+                                  uR"("abcd56789abcdef01")",
+                                  u"\"\u03B1\"",
+                                  u"\"a\u03B1\"",
+                                  uR"([a])"};
+  const String blanks(20, u' ');
+  std::mt19937 random(11);
+  for (int round = 0; round < 300; ++round) {
+    String all(1, u'[');
+    String expected(1, u'[');
+    for (auto objects = 2 + random() % 4; objects > 0; --objects) {
+      String object(1, u'{');
+      for (auto members = random() % 4; members > 0; --members) {
+        object += kKeys[random() % std::size(kKeys)];
+        object += random() % 3 == 0 ? u":{\"a\":[{\"a\":1}]}," : u":2,";
+      }
+      object += u'}';
+      all += object + u",";
+      expected += ReadJSON(object)->toString() + (objects > 1 ? u"," : u"]");
+    }
+    all += u']' + (round % 2 == 0 ? blanks : String());
+    auto tree = ReadJSON(all);
+    EXPECT_EQ(tree->toString(), expected) << ToUtf8(all);
+    EXPECT_EQ(ReadJSONUtf8(ToUtf8(all))->toString(), expected) << ToUtf8(all);
+    const auto copy = tree->Clone();
+    tree.reset();
+    EXPECT_EQ(copy->toString(), expected) << ToUtf8(all);
+  }
+  for (const StringView broken :
+       {uR"([{"a'b":1},{'a'b':2}])", uR"([{'a"b':1},{"a"b":2}])", uR"([{"a":1},{"a:2}])"}) {
+    EXPECT_THROW(ReadJSON(String(broken) + blanks), ParseException) << ToUtf8(broken);
   }
 }
 

@@ -6,6 +6,8 @@
 #include <limits>
 #include <new>
 
+#include "zentavo/json/short_key.h"
+
 namespace zentavo::json_internal {
 
 namespace {
@@ -34,9 +36,10 @@ Arena::~Arena() {
 
 void Arena::AddChunk(std::size_t bytes) {
   constexpr std::size_t kHeader = RoundUp(sizeof(Chunk));
+  constexpr std::size_t kReadable = kMostOfShortKey * sizeof(char16_t);  // behind a short key
   if (bytes > std::numeric_limits<std::size_t>::max() / 2) throw std::bad_alloc();
   const std::size_t size = RoundUp(std::max(bytes, next_bytes_));
-  auto* chunk = static_cast<Chunk*>(std::malloc(kHeader + size));
+  auto* chunk = static_cast<Chunk*>(std::malloc(kHeader + size + kReadable));
   if (chunk == nullptr) throw std::bad_alloc();
   chunk->previous = last_;
   last_ = chunk;

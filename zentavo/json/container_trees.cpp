@@ -63,8 +63,8 @@ class Copier {
   void CopyCells(const Slot* from, std::size_t count, Slot* to) {
     for (const Slot* end = from + count; from != end; ++from, ++to) {
       *to = *from;
-      if (from->kind == SlotKind::kText) {
-        *to = Slot::OfText(document_->AddText(from->Text()));
+      if (from->IsText()) {
+        to->units = document_->AddText(from->Text()).data();
       } else if (from->IsNested()) {
         nested_.push_back({from, to});
       } else if (from->IsOwned()) {

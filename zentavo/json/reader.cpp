@@ -9,6 +9,7 @@
 #include "zentavo/json/bare_value.h"
 #include "zentavo/json/container.h"
 #include "zentavo/json/plain_value.h"
+#include "zentavo/json/short_key.h"
 #include "zentavo/json/tokener.h"
 #include "zentavo/json/writer.h"
 
@@ -22,6 +23,8 @@ constexpr std::int32_t kMaxKeyDepth = 4;
 
 // What the first chunk of a document holds for each unit of its text.
 constexpr std::size_t kBytesForUnit = 8;
+
+constexpr auto kLookAhead = static_cast<std::ptrdiff_t>(kMostOfShortKey);
 
 String ToText(StringView text) {
   return String(text);
@@ -92,7 +95,7 @@ inline typename Reader<Unit>::State Reader<Unit>::TakeMember(const Unit* here) {
   switch (*here) {
     case '}': return Close(here + 1);
     case '"':
-    case '\'': here = TakeText(here + 1, *here, slots_.New()); break;
+    case '\'': here = TakeKey(here + 1, *here); break;
     case '{': return Open(here, true, true);
     case '[': return Open(here, false, true);
     default: here = TakeBare(here, slots_.New()); MakeKey(slots_.Last());
@@ -168,6 +171,7 @@ inline typename Reader<Unit>::State Reader<Unit>::Open(const Unit* here, bool is
       (is_key && ++key_depth_ > kMaxKeyDepth)) {
     throw source_.ErrorAt(u"Nesting too deep", here);
   }
+  if (ended_.Size() == frames_.Size()) ended_.Add({nullptr, 0});
   *frames_.New() = {slots_.Size(), is_object, is_key};
   SetAround();
   return {here + 1, next_};
@@ -180,6 +184,7 @@ inline typename Reader<Unit>::State Reader<Unit>::Close(const Unit* here) {
   const std::size_t count = slots_.Size() - frame.first_cell;
   Slot* cells = TakeCells(frame.first_cell, count);
   const SlotKind kind = frame.is_object ? SlotKind::kObject : SlotKind::kArray;
+  if (frame.is_object) *ended_.From(frames_.Size()) = {cells, count};
   slots_.Add(Slot::OfCells(kind, cells, frame.is_object ? count / 2 : count));
   SetAround();
   if (frame.is_key) return CloseKey(here);
@@ -218,6 +223,25 @@ void Reader<Unit>::MakeKey(Slot& slot) {
   String key;
   AppendValue(key, slot);
   slot = Slot::OfText(arena_.AddText(key));
+}
+
+// The rest of a key in quotes.
+template <typename Unit>
+inline const Unit* Reader<Unit>::TakeKey(const Unit* here, Unit quote) {
+  const Ended& ended = *ended_.From(frames_.Size() - 1);
+  const std::size_t cell = slots_.Size() - frames_.Last().first_cell;
+  Slot* slot = slots_.New();
+  if (cell < ended.count && source_.End() - here > kLookAhead) {
+    const Slot& same = ended.cells[cell];
+    if (same.kind == SlotKind::kShortKey && BeginsWithShortKey(here, same.Text()) &&
+        here[same.size] == quote) {
+      *slot = same;
+      return here + same.size + 1;
+    }
+  }
+  here = TakeText(here, quote, slot);
+  if (IsShortKey(slot->Text())) slot->kind = SlotKind::kShortKey;
+  return here;
 }
 
 template <typename Unit>

@@ -50,6 +50,12 @@ class Reader {
     bool is_key;  // its text form becomes a key of the object around it
   };
 
+  // An object that was read.
+  struct Ended {
+    const Slot* cells;
+    std::size_t count;
+  };
+
   std::unique_ptr<TZAbstractObject> Follow(State state, const Unit*& here);
   State TakeMember(const Unit* here);
   State TakeElement(const Unit* here);
@@ -64,6 +70,7 @@ class Reader {
   Slot* TakeCells(std::size_t first, std::size_t count);
   void SetAround();
 
+  const Unit* TakeKey(const Unit* here, Unit quote);
   const Unit* TakeText(const Unit* here, Unit quote, Slot* slot);
   const Unit* TakeHardText(Copied<Unit> copied, Unit quote, Slot* slot);
   const Unit* TakeBare(const Unit* here, Slot* slot);
@@ -83,6 +90,9 @@ class Reader {
   std::int32_t max_depth_;
   std::int32_t key_depth_ = 0;
   Run<Frame, 32> frames_;
+  // For each depth, the cells of the object that ended there last: most objects have the keys of
+  // the one before, and share their texts.
+  Run<Ended, 32> ended_;
   Run<Slot, 64> slots_;
 };
 

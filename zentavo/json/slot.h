@@ -30,7 +30,8 @@ enum class SlotKind : std::uint8_t {
   kDouble,
   kDecimal,  // a double as it was read; made one only when it is asked for
   kText,
-  kObject,  // a nested container as it was read: its cells lie in the document
+  kShortKey,  // a key as short_key.h has them, in a document
+  kObject,    // a nested container as it was read: its cells lie in the document
   kArray,
   kContainer,  // an owned TJSONContainer
   kBoxed,      // an owned value of another class
@@ -51,6 +52,7 @@ struct Slot {
   SlotKind kind;
 
   StringView Text() const { return {units, size}; }
+  bool IsText() const { return kind == SlotKind::kText || kind == SlotKind::kShortKey; }
   double DecimalValue() const { return static_cast<double>(digits) / PowerOfTen(size); }
   bool IsNested() const { return kind == SlotKind::kObject || kind == SlotKind::kArray; }
   bool IsContainer() const { return kind >= SlotKind::kObject && kind <= SlotKind::kContainer; }

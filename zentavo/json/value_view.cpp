@@ -42,7 +42,8 @@ ValueView ViewOf(const Slot& slot) {
     case SlotKind::kInteger: return OfInteger(slot.integer);
     case SlotKind::kDouble: return OfDouble(slot.number);
     case SlotKind::kDecimal: return OfDouble(slot.DecimalValue());
-    case SlotKind::kText: return OfText(slot.Text());
+    case SlotKind::kText:
+    case SlotKind::kShortKey: return OfText(slot.Text());
     case SlotKind::kObject:
     case SlotKind::kArray: return OfCells(Cells(slot));
     case SlotKind::kContainer: return OfCells(CellsOf(slot.object));

@@ -9,6 +9,7 @@
 #include "zentavo/json/escapes.h"
 #include "zentavo/json/number_form.h"
 #include "zentavo/json/run.h"
+#include "zentavo/json/short_key.h"
 #include "zentavo/json/sink.h"
 #include "zentavo/json/value_view.h"
 
@@ -62,6 +63,7 @@ class Writer {
   // instruction for long blocks where it claims to be fast, which costs several times as much on
   // some.
   static constexpr std::size_t kPiece = 1024;
+  static constexpr std::size_t kAhead = 256;  // bytes of cells, from those that are written now
   static constexpr std::size_t kShort = 128;  // units of a text that is written at once
   static constexpr std::int32_t kFewBlanks = 64;
   // For a key and a value that are short, with line breaks, and for what is written too far.
@@ -78,7 +80,11 @@ class Writer {
   template <bool kIndented>
   char16_t* WriteUpToNested(char16_t* out, Open& here, const Slot*& nested);
   template <bool kIndented>
-  char16_t* WriteKey(char16_t* out, const Open& here, StringView key);
+  char16_t* WriteKey(char16_t* out, const Open& here, const Slot& key);
+  template <bool kIndented>
+  static char16_t* WriteShortMember(char16_t* out, StringView key);
+  template <bool kIndented>
+  char16_t* Descend(char16_t* out, const Slot*& nested);
   template <bool kIndented>
   char16_t* Enter(char16_t* out, Open& here, const Slot& container, std::int32_t indent);
   void Leave(Open& here);
@@ -139,7 +145,6 @@ char16_t* Writer::WriteAll(char16_t* out, const Slot& value) {
 template <bool kIndented>
 inline char16_t* Writer::Enter(char16_t* out, Open& here, const Slot& container,
                                std::int32_t indent) {
-  constexpr std::size_t kAhead = 256;  // bytes
   const Cells cells =
       container.kind == SlotKind::kContainer ? CellsOf(container.object) : Cells(container);
   Expect(reinterpret_cast<std::uintptr_t>(cells.First()) - kAhead);
@@ -167,6 +172,29 @@ inline void Writer::Leave(Open& here) {
   here.closers = closers_.Size();
 }
 
+// Begins the containers from `nested` on that hold nothing but a container, one in another, of
+// which nothing but the closing brackets has to be kept. `nested` becomes the first other one.
+template <bool kIndented>
+inline char16_t* Writer::Descend(char16_t* out, const Slot*& nested) {
+  while (nested->size == 1 && nested->IsNested() && out <= last_) {
+    const Slot* cells = nested->cells;
+    Expect(reinterpret_cast<std::uintptr_t>(cells) - kAhead);
+    if (nested->kind == SlotKind::kObject) {
+      if (cells->kind != SlotKind::kShortKey || !cells[1].IsContainer()) break;
+      *out++ = u'{';
+      out = WriteShortMember<kIndented>(out, cells->Text());
+      closers_.Add(u'}');
+      nested = cells + 1;
+    } else {
+      if (!cells->IsContainer()) break;
+      *out++ = u'[';
+      closers_.Add(u']');
+      nested = cells;
+    }
+  }
+  return out;
+}
+
 template <bool kIndented>
 char16_t* Writer::WriteTree(char16_t* out, const Slot& tree) {
   Open here{};
@@ -177,6 +205,7 @@ char16_t* Writer::WriteTree(char16_t* out, const Slot& tree) {
     if (nested != nullptr) {
       const std::int32_t indent = kIndented && here.broken ? here.indent + factor_ : here.indent;
       Leave(here);
+      out = Descend<kIndented>(out, nested);
       out = Enter<kIndented>(out, here, *nested, indent);
       continue;
     }
@@ -186,6 +215,15 @@ char16_t* Writer::WriteTree(char16_t* out, const Slot& tree) {
     here = open_.Last();
     open_.RemoveLast();
   }
+}
+
+// A short key, up to its value.
+template <bool kIndented>
+inline char16_t* Writer::WriteShortMember(char16_t* out, StringView key) {
+  constexpr StringView kBehind = kIndented ? u"\": " : u"\":";
+  *out++ = u'"';
+  out = WriteShortKey(out, key);
+  return std::copy(kBehind.begin(), kBehind.end(), out);
 }
 
 // Writes the values of a container up to its end or to a container, which `nested` is then.
@@ -199,7 +237,7 @@ inline char16_t* Writer::WriteUpToNested(char16_t* out, Open& here, const Slot*&
     if constexpr (kIndented) {
       if (here.broken) out = BreakLine(out, here.indent + factor_);
     }
-    if (here.keyed) out = WriteKey<kIndented>(out, here, here.next++->Text());
+    if (here.keyed) out = WriteKey<kIndented>(out, here, *here.next++);
     const Slot& value = *here.next++;
     if (value.IsContainer()) {
       nested = &value;
@@ -213,12 +251,15 @@ inline char16_t* Writer::WriteUpToNested(char16_t* out, Open& here, const Slot*&
 }
 
 template <bool kIndented>
-inline char16_t* Writer::WriteKey(char16_t* out, const Open& here, StringView key) {
-  if (key.size() > kShort) [[unlikely]] {
+inline char16_t* Writer::WriteKey(char16_t* out, const Open& here, const Slot& key) {
+  if (key.kind == SlotKind::kShortKey) [[likely]] {
+    return WriteShortMember<kIndented>(out, key.Text());
+  }
+  if (key.size > kShort) {
     here_ = here;
-    out = WriteLongText(out, key);
+    out = WriteLongText(out, key.Text());
   } else {
-    out = WriteShortText(out, key);
+    out = WriteShortText(out, key.Text());
   }
   *out++ = u':';
   if constexpr (kIndented) *out++ = u' ';
