@@ -49,7 +49,7 @@ TEST(ZentavoEpimerismos, AddsUpToTheAmount) {
     const double unit = std::pow(10, decimals);
     const auto hundredths = static_cast<std::int64_t>(random() % 1'000'000'000'000);
     const double amount = static_cast<double>(run % 3 == 0 ? -hundredths : hundredths) / unit;
-    Numbers weights(random() % 40 + 1);
+    Numbers weights(static_cast<std::size_t>(random() % 40 + 1));
     for (double& weight : weights) weight = static_cast<double>(random() % 10000) / 8;
     weights.front() += 1;
     Numbers shares(weights.size());

@@ -206,7 +206,8 @@ TEST(StrictJSON, DecimalsAreWrittenAsTheirDoubles) {
   std::mt19937_64 random(20260103);
   for (int round = 0; round < 20000; ++round) {
     const std::string digits = std::to_string(random() % 1000000000000000u >> random() % 50);
-    const std::string_view whole = std::string_view(digits).substr(0, random() % digits.size());
+    const std::string_view whole =
+        std::string_view(digits).substr(0, static_cast<std::size_t>(random() % digits.size()));
     const std::string text = Join({random() % 2 == 0 ? "-" : "", whole.empty() ? "0" : whole, ".",
                                    std::string_view(digits).substr(whole.size())});
     const TJSONArray array = TJSONArray::FromUtf8(Join({"[", text, "]"}));
