@@ -9,29 +9,8 @@
 #include "zentavo/framework/atomic_file.h"
 #include "zentavo/framework/exception.h"
 #include "zentavo/framework/file_names.h"
-#include "zentavo/framework/stream.h"
 
 namespace zentavo {
-
-namespace {
-
-// Goes on to where nothing more comes: the size of a device says nothing.
-AnsiString ReadFile(StringView file_name) {
-  TFileStream file(file_name, fmOpenRead | fmShareDenyWrite);
-  constexpr std::int64_t kPiece = 4096;
-  AnsiString bytes;
-  std::int64_t room = file.Size();
-  for (;;) {
-    const std::size_t start = bytes.size();
-    bytes.resize(start + static_cast<std::size_t>(room));
-    const std::int64_t done = file.Read(bytes.data() + start, room);
-    bytes.resize(start + static_cast<std::size_t>(done));
-    if (done < room || (room == 0 && start > 0)) return bytes;
-    room = kPiece;
-  }
-}
-
-}  // namespace
 
 TXMemIniFile::TXMemIniFile(StringView FileName, std::optional<TEncoding> Encoding,
                            bool CaseSensitive)
@@ -155,7 +134,7 @@ void TXMemIniFile::SetStrings(const TStringList& List) {
 
 void TXMemIniFile::LoadValues() {
   AnsiString bytes;
-  if (FileExists(FileName())) bytes = ReadFile(FileName());
+  if (FileExists(FileName())) bytes = LoadFileWhole(FileName());
   LoadBytes(bytes);
 }
 

@@ -51,6 +51,24 @@ template <typename Error>
 constexpr StringView kCannotRead = u"Cannot read file";
 constexpr StringView kCannotWrite = u"Cannot write file";
 
+// Goes on to where nothing more comes: the size of a device says nothing.
+platform::SystemError ReadToEnd(platform::File& file, AnsiString& bytes) {
+  constexpr std::size_t kPiece = 4096;
+  std::int64_t size = 0;
+  if (const platform::SystemError error = file.Size(size)) return error;
+  std::size_t start = 0;
+  for (auto room = static_cast<std::size_t>(size) + 1;; room = kPiece) {
+    bytes.resize(start + room);
+    std::size_t done = 0;
+    const std::span piece(bytes.data() + start, room);
+    const platform::SystemError error = file.Read(std::as_writable_bytes(piece), done);
+    start += done;
+    if (done == room && error == 0) continue;
+    bytes.resize(start);
+    return error;
+  }
+}
+
 }  // namespace
 
 AtomicFileSteps::~AtomicFileSteps() = default;
@@ -182,6 +200,20 @@ void SaveFileAtomically(StringView file_name, std::span<const std::byte> bytes) 
   TAtomicFileStream file(file_name);
   file.WriteBuffer(bytes.data(), static_cast<std::int64_t>(bytes.size()));
   file.Commit();
+}
+
+AnsiString LoadFileWhole(StringView file_name) {
+  platform::File file;
+  const platform::SystemError refused = Patiently([&] {
+    return file.Open(file_name, platform::FileAccess::kRead, platform::FileSharing::kRead,
+                     platform::FileCreation::kOpenExisting);
+  });
+  if (refused != 0) RaiseFileError<EFOpenError>(u"Cannot open file", file_name, refused);
+  AnsiString bytes;
+  if (const platform::SystemError error = ReadToEnd(file, bytes)) {
+    RaiseFileError<EReadError>(kCannotRead, file_name, error);
+  }
+  return bytes;
 }
 
 }  // namespace zentavo

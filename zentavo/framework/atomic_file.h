@@ -76,4 +76,8 @@ class ZENTAVO_API TAtomicFileStream : public TStream {
 // Replaces the content of `file_name` by `bytes`. Raises what TAtomicFileStream raises.
 ZENTAVO_API void SaveFileAtomically(StringView file_name, std::span<const std::byte> bytes);
 
+// Returns what is in a file that others may replace at this moment. Raises EFOpenError "Cannot open
+// file \"%s\". %s", also while another process keeps it open for writing, and EReadError.
+ZENTAVO_API AnsiString LoadFileWhole(StringView file_name);
+
 }  // namespace zentavo
