@@ -17,9 +17,25 @@ namespace zentavo::json_internal {
 
 namespace {
 
+constexpr std::size_t kCacheLine = 64;  // bytes, as those that follow
+// How far before the cells that are written now memory is asked for. A chain of containers, each
+// of which is the only value of the one before, is written faster than memory comes.
+constexpr std::size_t kAhead = 256;
+constexpr std::size_t kAheadInChain = 1024;
+
 // Asks for memory that may be read soon. Any address will do.
 void Expect(std::uintptr_t address) {
   __builtin_prefetch(reinterpret_cast<const void*>(address));  // NOLINT(performance-no-int-to-ptr)
+}
+
+// Asks for the first cells of a value that is written later, and of the chain that may begin there.
+inline void ExpectCells(const Slot& value) {
+  const auto first = reinterpret_cast<std::uintptr_t>(value.cells);
+  Expect(first);
+  if (value.size != 1 || !value.IsNested()) return;
+  for (std::size_t ahead = kCacheLine; ahead < kAheadInChain; ahead += kCacheLine) {
+    Expect(first - ahead);
+  }
 }
 
 inline char16_t* WriteShortText(char16_t* out, StringView text) {
@@ -63,7 +79,6 @@ class Writer {
   // instruction for long blocks where it claims to be fast, which costs several times as much on
   // some.
   static constexpr std::size_t kPiece = 1024;
-  static constexpr std::size_t kAhead = 256;  // bytes of cells, from those that are written now
   static constexpr std::size_t kShort = 128;  // units of a text that is written at once
   static constexpr std::int32_t kFewBlanks = 64;
   // For a key and a value that are short, with line breaks, and for what is written too far.
@@ -164,7 +179,7 @@ inline char16_t* Writer::Enter(char16_t* out, Open& here, const Slot& container,
 // Keeps a container that goes on, or breaks the line before it ends, while one in it is written.
 inline void Writer::Leave(Open& here) {
   if (here.next != here.end) {
-    Expect(reinterpret_cast<std::uintptr_t>(here.next->cells));
+    ExpectCells(*here.next);
   } else if (!here.broken) {
     return;
   }
@@ -178,7 +193,7 @@ template <bool kIndented>
 inline char16_t* Writer::Descend(char16_t* out, const Slot*& nested) {
   while (nested->size == 1 && nested->IsNested() && out <= last_) {
     const Slot* cells = nested->cells;
-    Expect(reinterpret_cast<std::uintptr_t>(cells) - kAhead);
+    Expect(reinterpret_cast<std::uintptr_t>(cells) - kAheadInChain);
     if (nested->kind == SlotKind::kObject) {
       if (cells->kind != SlotKind::kShortKey || !cells[1].IsContainer()) break;
       *out++ = u'{';
