@@ -163,5 +163,20 @@ TEST(SaveFileAtomically, WritesToADeviceAsItIs) {
   EXPECT_TRUE(platform::IsDevice(device));
 }
 
+TEST(LoadFileWhole, ReadsAllOrNamesWhatCannotBeOpened) {
+  const TemporaryFolder folder;
+  for (const std::size_t size : {0, 1, 4095, 4096, 10000}) {
+    const std::string bytes(size, 'x');
+    WriteBytes(folder / u"file", bytes);
+    EXPECT_EQ(LoadFileWhole(folder / u"file"), bytes);
+  }
+#ifndef _WIN32  // a file whose size is 0 until it is read
+  EXPECT_NE(LoadFileWhole(u"/proc/self/maps").find("[stack]"), AnsiString::npos);
+#endif
+  const String name = folder / u"missing";
+  const std::string error = ErrorOf<EFOpenError>([&] { LoadFileWhole(name); });
+  EXPECT_TRUE(error.starts_with("Cannot open file \"" + ToUtf8(name) + "\". ")) << error;
+}
+
 }  // namespace
 }  // namespace zentavo
